@@ -19,8 +19,12 @@ using ByteSpan = std::span<const std::uint8_t>;
 using MutableByteSpan = std::span<std::uint8_t>;
 
 // Single values at a place that the caller has checked.
-inline std::uint16_t LoadU16LE(const std::uint8_t* p) { return static_cast<std::uint16_t>(p[0] | p[1] << 8); }
-inline std::uint16_t LoadU16BE(const std::uint8_t* p) { return static_cast<std::uint16_t>(p[0] << 8 | p[1]); }
+inline std::uint16_t LoadU16LE(const std::uint8_t* p) {
+    return static_cast<std::uint16_t>(p[0] | p[1] << 8);
+}
+inline std::uint16_t LoadU16BE(const std::uint8_t* p) {
+    return static_cast<std::uint16_t>(p[0] << 8 | p[1]);
+}
 inline std::uint32_t LoadU32LE(const std::uint8_t* p) {
     return std::uint32_t{p[0]} | std::uint32_t{p[1]} << 8 | std::uint32_t{p[2]} << 16 | std::uint32_t{p[3]} << 24;
 }
@@ -48,7 +52,9 @@ inline void StoreU32BE(std::uint8_t* p, std::uint32_t v) {
 inline ByteSpan AsBytes(std::string_view text) {
     return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
-inline std::string_view AsText(ByteSpan bytes) { return {reinterpret_cast<const char*>(bytes.data()), bytes.size()}; }
+inline std::string_view AsText(ByteSpan bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
 
 /// A cursor over bytes that somebody else owns.
 ///
@@ -123,7 +129,8 @@ public:
             m_pos = static_cast<std::size_t>(pos);
         }
     }
-    /// A reader over a part of the bytes, checked in 64 bits; a part that is not wholly inside gives a reader that has failed.
+    /// A reader over a part of the bytes, checked in 64 bits; a part that is not wholly inside gives a reader that has
+    /// failed.
     [[nodiscard]] ByteReader Sub(std::uint64_t offset, std::uint64_t length) const {
         ByteReader sub;
         sub.m_ok = m_ok && offset <= m_bytes.size() && length <= m_bytes.size() - offset;

@@ -1,18 +1,18 @@
 #include "base/files.h"
 
+#include <climits>
+
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
-#include <utility>
-
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace pelorin {
 
@@ -70,8 +70,8 @@ void WriteAll(int fd, ByteSpan bytes) {
     }
 }
 
-// Temporary files of SafeFiles that are on their way. A signal handler walks this, so the slots are plain memory that is
-// published by an atomic flag: 0 free, 1 being filled, 2 valid.
+// Temporary files of SafeFiles that are on their way. A signal handler walks this, so the slots are plain memory that
+// is published by an atomic flag: 0 free, 1 being filled, 2 valid.
 struct UnfinishedSlot {
     std::atomic<int> state{0};
     std::array<char, PATH_MAX> path{};
@@ -231,7 +231,8 @@ void FileView::Release() {
 
 FileView FileView::Open(std::string_view path, std::uint64_t cap) {
     // O_NONBLOCK keeps a pipe without a writer from hanging the open; it has no effect on files.
-    const Descriptor file(path == "-" ? STDIN_FILENO : open(SystemPath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const Descriptor file(path == "-" ? STDIN_FILENO
+                                      : open(SystemPath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (file.Get() < 0) Throw(errno);
     struct stat info;
     if (fstat(file.Get(), &info) != 0) Throw(errno);

@@ -33,7 +33,7 @@ public:
 
 // ---- questions and small deeds ----
 
-[[nodiscard]] bool FileExists(std::string_view path);   ///< anything but a folder
+[[nodiscard]] bool FileExists(std::string_view path); ///< anything but a folder
 [[nodiscard]] bool FolderExists(std::string_view path);
 [[nodiscard]] std::uint64_t FileSize(std::string_view path); ///< 0 when there is none
 /// True when both names lead to the same file or folder of the system.
@@ -50,7 +50,8 @@ bool DeleteFile(std::string_view path);
 /// The largest file that is read or mapped: 1 GiB. Pictures and icons are far smaller; what is larger is not one.
 inline constexpr std::uint64_t kMaxFileSize = std::uint64_t{1} << 30;
 
-/// A file's bytes without a copy: mapped where the system can, else read. Movable; the span lives as long as the object.
+/// A file's bytes without a copy: mapped where the system can, else read. Movable; the span lives as long as the
+/// object.
 class FileView {
 public:
     FileView() = default;
@@ -118,8 +119,8 @@ void CopyFileSafely(std::string_view from, std::string_view to, Existing existin
 /// Writes everything to standard output.
 void WriteStandardOutput(ByteSpan bytes);
 
-/// Removes the temporary files of all `SafeFile`s that are on their way; for the handler of an interrupt. Uses only what
-/// a signal handler may use.
+/// Removes the temporary files of all `SafeFile`s that are on their way; for the handler of an interrupt. Uses only
+/// what a signal handler may use.
 void RemoveUnfinishedFiles() noexcept;
 
 } // namespace pelorin

@@ -1,7 +1,7 @@
 // What every picture reader is given and what it tells besides the picture.
 //
-// A reader is a function `DibBlock ReadXxx(ByteSpan file, const PictureRequest&, PictureFacts&)` over the whole file. It
-// returns a block that has been checked once, or an empty one; it shows nothing and keeps nothing.
+// A reader is a function `DibBlock ReadXxx(ByteSpan file, const PictureRequest&, PictureFacts&)` over the whole file.
+// It returns a block that has been checked once, or an empty one; it shows nothing and keeps nothing.
 #pragma once
 
 #include "base/progress.h"

@@ -18,7 +18,7 @@ public:
     CIconGroup(CIconGroup&&) noexcept = default;
     CIconGroup& operator=(CIconGroup&&) noexcept = default;
 
-    std::string m_strName;   ///< empty is shown as "Untitled"
+    std::string m_strName;     ///< empty is shown as "Untitled"
     std::uint32_t m_nInfo = 0; ///< not 0 for an icon of a Macintosh kind
     bool m_bChanged = false;
     int m_nCurrent = -1;

@@ -41,22 +41,23 @@ public:
     /// 40 + table + XOR rows + AND rows, by colours and alpha; 0 when a side is not positive or above the pixel cap.
     [[nodiscard]] static std::uint32_t BlockSize(int width, int height, int colors, bool alpha);
 
-    /// Sets the four fields, computes `m_nBytes` and takes a fresh zeroed block. False, with nothing changed, when a side
-    /// is not positive or the picture is above `kMaxPixels`.
+    /// Sets the four fields, computes `m_nBytes` and takes a fresh zeroed block. False, with nothing changed, when a
+    /// side is not positive or the picture is above `kMaxPixels`.
     bool Create(int width, int height, int colors, bool alpha);
     /// A copy for another group: writers' scratch and caches start anew.
     void Copy(const CVnIcon& other);
 
-    /// Reads one image at the start of `data`, which may go on behind it. A PNG needs its size in `bytes`; `bits` is the
-    /// depth that a decoded PNG gets (0: 32). `bytes` and `bits` are not used otherwise. A short block is filled with
-    /// zeros. False when it is no image.
+    /// Reads one image at the start of `data`, which may go on behind it. A PNG needs its size in `bytes`; `bits` is
+    /// the depth that a decoded PNG gets (0: 32). `bytes` and `bits` are not used otherwise. A short block is filled
+    /// with zeros. False when it is no image.
     [[nodiscard]] bool ReadFromMemory(ByteSpan data, std::uint32_t bytes, int bits);
     /// The image as a PNG file; empty when it cannot be made. A 24-bit block is changed by this (see
     /// `IconBlockToDIB32`).
     [[nodiscard]] Bytes WriteCompressed();
 };
 
-/// "%dx%d - %s" with the long or the short name of the depth ("XP (RGB/A)", "RGB/A" for a Macintosh icon, "256 colors").
+/// "%dx%d - %s" with the long or the short name of the depth ("XP (RGB/A)", "RGB/A" for a Macintosh icon, "256
+/// colors").
 [[nodiscard]] std::string FormatDescription(int width, int height, int bits, bool macintosh = false);
 [[nodiscard]] std::string FormatShortDescription(int width, int height, int bits);
 /// "Mono", "16 colors", "256 colors", "16,8M colors", "XP (RGB/A)", ...

@@ -8,8 +8,8 @@ namespace pelorin {
 
 class Surface;
 
-/// A bitmap that is kept. Every method that changes the picture calls a free function and takes its result; when that is
-/// empty the old picture stays.
+/// A bitmap that is kept. Every method that changes the picture calls a free function and takes its result; when that
+/// is empty the old picture stays.
 class CDIB {
 public:
     CDIB() = default;

@@ -164,7 +164,8 @@ DibBlock CreateDIB(int width, int height, int bits) {
     StoreU16LE(header + 14, static_cast<std::uint16_t>(bits));
     StoreU32LE(header + 32, colors);
     StoreU32LE(header + 36, colors);
-    for (std::uint32_t i = 0; i < colors / 16 * 16; ++i) StoreU32LE(header + kDibHeaderSize + i * 4, kStandardColors[i % 16]);
+    for (std::uint32_t i = 0; i < colors / 16 * 16; ++i)
+        StoreU32LE(header + kDibHeaderSize + i * 4, kStandardColors[i % 16]);
     return block;
 }
 
@@ -190,7 +191,8 @@ CPalette CreateDIBPalette(const DibBlock& block) {
 CPalette CreatePaletteFromRGBQuad(const std::uint8_t* table, int count) {
     CPalette palette;
     if (table == nullptr) return palette;
-    for (int i = 0; i < count; ++i) palette.colors.push_back(LoadU32LE(table + static_cast<std::size_t>(i) * 4) & 0xFFFFFF);
+    for (int i = 0; i < count; ++i)
+        palette.colors.push_back(LoadU32LE(table + static_cast<std::size_t>(i) * 4) & 0xFFFFFF);
     return palette;
 }
 

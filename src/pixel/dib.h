@@ -29,7 +29,9 @@ inline constexpr std::size_t kDibHeaderSize = 40;
 
 /// Bytes of a row: padded to 4. 15-bit pixels take 16 bits.
 [[nodiscard]] constexpr std::size_t DibStride(int width, int bits) {
-    return ((static_cast<std::size_t>(width) * static_cast<std::size_t>(bits == 15 ? 16 : bits) + 31) & ~std::size_t{31}) / 8;
+    return ((static_cast<std::size_t>(width) * static_cast<std::size_t>(bits == 15 ? 16 : bits) + 31) &
+            ~std::size_t{31}) /
+           8;
 }
 
 /// The table colour 0x00RRGGBB: as a u32 in a block its low byte is blue.
@@ -69,11 +71,21 @@ private:
 /// Bytes of the colour table: 4 or, with the core header, 3 an entry.
 [[nodiscard]] std::size_t PaletteSize(ByteSpan block);
 [[nodiscard]] std::uint16_t DIBNumColorsOfHandle(const DibBlock& block);
-inline int DIBWidth(const DibBlock& block) { return DIBWidth(block.Span()); }
-inline int DIBHeight(const DibBlock& block) { return DIBHeight(block.Span()); }
-inline int DIBBitCount(const DibBlock& block) { return DIBBitCount(block.Span()); }
-inline std::uint16_t DIBNumColors(const DibBlock& block) { return DIBNumColors(block.Span()); }
-inline std::size_t PaletteSize(const DibBlock& block) { return PaletteSize(block.Span()); }
+inline int DIBWidth(const DibBlock& block) {
+    return DIBWidth(block.Span());
+}
+inline int DIBHeight(const DibBlock& block) {
+    return DIBHeight(block.Span());
+}
+inline int DIBBitCount(const DibBlock& block) {
+    return DIBBitCount(block.Span());
+}
+inline std::uint16_t DIBNumColors(const DibBlock& block) {
+    return DIBNumColors(block.Span());
+}
+inline std::size_t PaletteSize(const DibBlock& block) {
+    return PaletteSize(block.Span());
+}
 
 /// A checked look at a block: the rows and the table lie wholly inside. False when they do not, when a size is not
 /// positive, when the depth is none of the seven, or when the rows are run-length coded.
@@ -124,9 +136,9 @@ private:
 
 // ---- makers ----
 
-/// A zero-filled block. The depth is rounded up to 1, 4, 8, 16, 24 or 32; above 32 it is 4. The table of 4 and 8 bits is
-/// the 16 standard colours over and over; that of 1 bit is two blacks, which the caller sets. Empty when a side is not
-/// positive, when the picture is above `kMaxPixels`, or when memory fails.
+/// A zero-filled block. The depth is rounded up to 1, 4, 8, 16, 24 or 32; above 32 it is 4. The table of 4 and 8 bits
+/// is the 16 standard colours over and over; that of 1 bit is two blacks, which the caller sets. Empty when a side is
+/// not positive, when the picture is above `kMaxPixels`, or when memory fails.
 [[nodiscard]] DibBlock CreateDIB(int width, int height, int bits);
 /// A copy, byte by byte; empty for an empty block.
 [[nodiscard]] DibBlock CopyHandle(const DibBlock& block);

@@ -27,7 +27,9 @@ public:
 
     /// Stored row `y`: 0 is the bottom row of the picture.
     [[nodiscard]] std::uint8_t* Row(int y) { return m_pixels.data() + Stride() * static_cast<std::size_t>(y); }
-    [[nodiscard]] const std::uint8_t* Row(int y) const { return m_pixels.data() + Stride() * static_cast<std::size_t>(y); }
+    [[nodiscard]] const std::uint8_t* Row(int y) const {
+        return m_pixels.data() + Stride() * static_cast<std::size_t>(y);
+    }
     /// Picture row `y`: 0 is the top row.
     [[nodiscard]] std::uint8_t* PictureRow(int y) { return Row(m_height - 1 - y); }
     [[nodiscard]] const std::uint8_t* PictureRow(int y) const { return Row(m_height - 1 - y); }

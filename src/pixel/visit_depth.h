@@ -62,8 +62,8 @@ struct Pixel32 {
     Argb operator()(const std::uint8_t* row, int x) const { return LoadU32LE(row + std::ptrdiff_t{4} * x); }
 };
 
-/// Calls `visit` with the pixel reader of the view's depth; the loop over the rows belongs inside `visit`, so that it is
-/// compiled once a depth. False, without a call, for an empty view.
+/// Calls `visit` with the pixel reader of the view's depth; the loop over the rows belongs inside `visit`, so that it
+/// is compiled once a depth. False, without a call, for an empty view.
 template <class Visit>
 bool VisitDepth(const DibView& view, Visit&& visit) {
     if (!view) return false;
