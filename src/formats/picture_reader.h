@@ -1,7 +1,8 @@
 // What every picture reader is given and what it tells besides the picture.
 //
 // A reader is a function `DibBlock ReadXxx(ByteSpan file, const PictureRequest&, PictureFacts&)` over the whole file.
-// It returns a block that has been checked once, or an empty one; it shows nothing and keeps nothing.
+// It returns a block that has been checked once, or an empty one; it shows nothing and keeps nothing. A row in
+// `formats/load_image.cpp` makes it known.
 #pragma once
 
 #include "base/progress.h"
@@ -14,20 +15,23 @@ namespace pelorin {
 
 /// What the caller wants of a file.
 struct PictureRequest {
-    /// A small picture is enough: readers that can decode smaller do so, down to what still fills `box`.
+    /// A small picture is enough: JPEG, JPEG 2000 and metafile readers take their shortcuts.
     bool preview = false;
-    /// Size that a preview or a picture without a size of its own (metafiles) is made for; 0 x 0: the reader's default.
+    /// Box of a picture without a size of its own (metafiles); 0 x 0: the reader's default.
     Size box;
-    /// Frame of an animated or multi-page file, from 0.
+    /// Frame of an animated or multi-page file, from 0. A frame that is not there gives an empty block.
     int frame = 0;
-    /// Layer of a layered file, from 0; -1: the composite.
+    /// Layer of a layered file, from 0; -1: the composite. A layer that is not there gives an empty block.
     int layer = -1;
     /// Resolution wanted of a Photo CD file: the setting "PhotoCDSize".
     int photoCdSize = 2;
+    /// Told of the rows done where the reader goes row by row; null: nobody watches. `StopAsked` ends the reading with
+    /// an empty block.
     Progress* progress = nullptr;
 };
 
-/// What a reader found out. Size and depth are those of the file's picture, not of the block returned.
+/// What a reader found out. Size and depth are those of the file's picture, not of the block returned; a reader that
+/// leaves them 0 gets those of the block.
 struct PictureFacts {
     int width = 0, height = 0, bits = 0;
     int frames = 1;
@@ -37,6 +41,8 @@ struct PictureFacts {
     /// Of an 8-bpp block: entry that is transparent, -1 for none; bits of the file's palette, 0 for none.
     int transparentIndex = -1;
     int paletteBits = 0;
+    /// Name of the format whose reader was used ("PNG"); set by the dispatcher.
+    std::string_view format;
 };
 
 using PictureReader = DibBlock (*)(ByteSpan file, const PictureRequest& request, PictureFacts& facts);

@@ -1,0 +1,69 @@
+#include "formats/load_image.h"
+
+#include "formats/bmp.h"
+
+#include <deque>
+
+namespace pelorin {
+
+namespace {
+
+// A deque, so that rows that were handed out stay where they are.
+std::deque<PictureFormat>& Formats() {
+    static std::deque<PictureFormat> formats = {
+        {3, "BMP", IsBmp, ReadBmp},
+    };
+    return formats;
+}
+
+bool Matches(const PictureFormat* row, ByteSpan file) {
+    return row && row->matches && row->matches(file);
+}
+
+DibBlock ReadWith(const PictureFormat& row, ByteSpan file, const PictureRequest& request, PictureFacts& facts) {
+    facts = {};
+    auto block = row.read(file, request, facts);
+    if (!block) {
+        facts = {};
+        return {};
+    }
+    facts.format = row.name;
+    if (facts.width == 0) facts.width = DIBWidth(block);
+    if (facts.height == 0) facts.height = DIBHeight(block);
+    if (facts.bits == 0) facts.bits = DIBBitCount(block);
+    return block;
+}
+
+} // namespace
+
+void AddPictureFormats(std::span<const PictureFormat> rows) {
+    Formats().insert(Formats().end(), rows.begin(), rows.end());
+}
+
+const PictureFormat* PictureFormatOfKind(int kind) {
+    for (const auto& row : Formats()) {
+        if (kind != 0 && row.kind == kind) return &row;
+    }
+    return nullptr;
+}
+
+const PictureFormat* FindPictureFormat(ByteSpan file, int kind) {
+    const auto* named = PictureFormatOfKind(kind);
+    if (Matches(named, file)) return named;
+    for (const auto& row : Formats()) {
+        if (Matches(&row, file)) return &row;
+    }
+    return named;
+}
+
+DibBlock ReadPicture(ByteSpan file, int kind, const PictureRequest& request, PictureFacts& facts) {
+    const auto* format = FindPictureFormat(file, kind);
+    auto block = format ? ReadWith(*format, file, request, facts) : DibBlock();
+    // A signature of two bytes can be chance: the name has the last word.
+    const auto* named = PictureFormatOfKind(kind);
+    if (!block && named && named != format) block = ReadWith(*named, file, request, facts);
+    if (!block) facts = {};
+    return block;
+}
+
+} // namespace pelorin

@@ -1,0 +1,54 @@
+#include "formats/save_image.h"
+
+#include "base/files.h"
+#include "formats/bmp.h"
+
+namespace pelorin {
+
+namespace {
+
+constexpr std::uint64_t Depths(std::initializer_list<int> bits) {
+    std::uint64_t mask = 0;
+    for (const int b : bits) mask |= std::uint64_t{1} << b;
+    return mask;
+}
+
+constexpr PictureSaver kSavers[] = {
+    {3, "BMP", "bmp", WriteBmp, Depths({1, 4, 8, 15, 16, 24, 32}), 4},
+};
+
+} // namespace
+
+std::span<const PictureSaver> PictureSavers() {
+    return kSavers;
+}
+
+const PictureSaver* PictureSaverOfKind(int kind) {
+    for (const auto& row : kSavers) {
+        if (row.kind == kind) return &row;
+    }
+    return nullptr;
+}
+
+int EncodePicture(const DibBlock& block, int kind, const PictureSaveOptions& options, Bytes& out) {
+    const auto* saver = PictureSaverOfKind(kind);
+    return saver ? saver->write(block, options, out) : kNoSuchWriter;
+}
+
+int SavePicture(const DibBlock& block, int kind, std::string_view path, PictureSaveOptions options) {
+    const auto* saver = PictureSaverOfKind(kind);
+    if (!saver) return kNoSuchWriter;
+    options.extension = ExtensionOf(path);
+    Bytes file;
+    if (const int code = saver->write(block, options, file)) return code;
+    // A writer that has nothing to write is done, and no file comes of it.
+    if (file.empty()) return 0;
+    try {
+        WriteFileSafely(path, file);
+    } catch (const FileException&) {
+        return saver->cannotWrite;
+    }
+    return 0;
+}
+
+} // namespace pelorin
