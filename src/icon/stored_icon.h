@@ -9,9 +9,8 @@
 // A 32-bit block has AND rows too. A compressed image is a whole PNG file in the icon file and a block in memory.
 #pragma once
 
+#include "icon/icon_format.h"
 #include "pixel/cdib.h"
-
-#include <string>
 
 namespace pelorin {
 
@@ -55,14 +54,6 @@ public:
     /// `IconBlockToDIB32`).
     [[nodiscard]] Bytes WriteCompressed();
 };
-
-/// "%dx%d - %s" with the long or the short name of the depth ("XP (RGB/A)", "RGB/A" for a Macintosh icon, "256
-/// colors").
-[[nodiscard]] std::string FormatDescription(int width, int height, int bits, bool macintosh = false);
-[[nodiscard]] std::string FormatShortDescription(int width, int height, int bits);
-/// "Mono", "16 colors", "256 colors", "16,8M colors", "XP (RGB/A)", ...
-[[nodiscard]] std::string DepthName(int bits, bool macintosh = false);
-[[nodiscard]] std::string DepthShortName(int bits);
 
 /// 32-bpp picture of an icon block. At 1, 4 and 8 bits a set AND bit gives (192, 192, 192) with alpha 0, all else the
 /// table's colour (black and white at 1 bit) with alpha 255. At 24 bits an opaque pixel comes out black, and the source

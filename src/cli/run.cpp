@@ -1,0 +1,117 @@
+#include "cli/run.h"
+
+#include "base/archive.h"
+#include "base/files.h"
+#include "base/parallel.h"
+#include "base/text.h"
+#include "cli/terminal_progress.h"
+#include "platform/terminal.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <new>
+#include <utility>
+
+namespace pelorin::cli {
+
+std::string Printable(std::string_view text) {
+    std::string out;
+    for (const char c : DecodeText(text)) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x20 || byte == 0x7F) {
+            out += fmt::format("\\x{:02X}", byte);
+        } else {
+            out += c;
+        }
+    }
+    return out;
+}
+
+Run::Run(const CommonOptions& options) : m_options(options), m_outputIsTerminal(IsTerminal(Stream::Output)) {
+    if (options.quiet || options.noProgress || !IsTerminal(Stream::Error)) {
+        m_progress = std::make_unique<NoProgress>();
+    } else {
+        m_progress = std::make_unique<TerminalProgress>();
+    }
+}
+
+Run::~Run() = default;
+
+void Run::Print(std::string_view text) {
+    const std::lock_guard lock(m_mutex);
+    m_pending += text;
+    if (m_outputIsTerminal || m_pending.size() > (64u << 10)) FlushLocked();
+}
+
+void Run::Note(std::string_view line) {
+    if (!m_options.quiet) Print(std::string(line) + '\n');
+}
+
+void Run::Detail(std::string_view line) {
+    if (m_options.verbose) Print(std::string(line) + '\n');
+}
+
+void Run::Fail(std::string_view file, std::string_view reason) {
+    const std::lock_guard lock(m_mutex);
+    m_failed = true;
+    // Both streams often end on one screen: keep what was printed before in front. When standard output is broken, its
+    // own error is told at the end.
+    try {
+        FlushLocked();
+    } catch (const std::exception&) {
+    }
+    const auto line = fmt::format("pelorin-cli: {}: {}\n", Printable(file), Printable(reason));
+    std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+bool Run::Attempt(std::string_view file, const std::function<void()>& work) {
+    try {
+        work();
+        return true;
+    } catch (const FileException& error) {
+        Fail(file, error.what());
+    } catch (const ArchiveException& error) {
+        Fail(file, error.what());
+    } catch (const std::bad_alloc&) {
+        Fail(file, "not enough memory");
+    }
+    return false;
+}
+
+void Run::ForEach(const std::vector<std::string>& files, const std::function<void(const std::string&)>& work) {
+    for (const auto& file : files) Attempt(file, [&] { work(file); });
+}
+
+void Run::ForEachAtOnce(std::string_view title, const std::vector<std::string>& files,
+                        const std::function<std::string(const std::string&)>& work) {
+    std::mutex order;
+    std::vector<std::optional<std::string>> texts(files.size());
+    std::size_t printed = 0, done = 0;
+    ProgressScope progress(m_progress.get(), title, files.size());
+    ParallelFor(files.size(), m_options.jobs, [&](std::size_t i) {
+        std::string text;
+        Attempt(files[i], [&] { text = work(files[i]); });
+        const std::lock_guard lock(order);
+        texts[i] = std::move(text);
+        progress.Step(++done);
+        for (; printed < texts.size() && texts[printed]; ++printed) {
+            Attempt("standard output", [&] { Print(*texts[printed]); });
+            texts[printed]->clear();
+            texts[printed]->shrink_to_fit();
+        }
+    });
+}
+
+void Run::Flush() {
+    const std::lock_guard lock(m_mutex);
+    FlushLocked();
+}
+
+void Run::FlushLocked() {
+    if (m_pending.empty()) return;
+    const auto text = std::exchange(m_pending, {});
+    WriteStandardOutput(AsBytes(text));
+}
+
+} // namespace pelorin::cli

@@ -1,0 +1,52 @@
+#include "support/run_program.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace pelorin::test {
+
+TempFolder::TempFolder() {
+    auto pattern = (std::filesystem::temp_directory_path() / "pelorin-test-XXXXXX").string();
+    if (mkdtemp(pattern.data()) != nullptr) m_path = pattern;
+}
+
+TempFolder::~TempFolder() {
+    std::error_code ignored;
+    if (!m_path.empty()) std::filesystem::remove_all(m_path, ignored);
+}
+
+namespace {
+
+std::string Quoted(const std::string& text) {
+    std::string out = "'";
+    for (const char c : text) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return out + "'";
+}
+
+std::string Contents(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+} // namespace
+
+ProgramResult RunProgram(const std::string& name, const std::vector<std::string>& arguments, const std::string& folder,
+                         const std::string& prefix) {
+    const TempFolder streams;
+    std::string command =
+        "cd " + Quoted(folder) + " && { " + prefix + " " + Quoted(std::string(PELORIN_BIN_DIR) + "/" + name);
+    for (const auto& argument : arguments) command += " " + Quoted(argument);
+    command += "; } >" + Quoted(streams / "out") + " 2>" + Quoted(streams / "err") + " </dev/null";
+    const int status = std::system(command.c_str());
+    ProgramResult result;
+    result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    result.out = Contents(streams / "out");
+    result.err = Contents(streams / "err");
+    return result;
+}
+
+} // namespace pelorin::test

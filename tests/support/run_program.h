@@ -1,0 +1,32 @@
+// Runs one of our programs as a person would and keeps what it said.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace pelorin::test {
+
+/// A folder of this test's own, empty at first; removed with all that is in it when the object goes away.
+class TempFolder {
+public:
+    TempFolder();
+    ~TempFolder();
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+    [[nodiscard]] const std::string& Path() const { return m_path; }
+    [[nodiscard]] std::string operator/(const std::string& name) const { return m_path + "/" + name; }
+
+private:
+    std::string m_path;
+};
+
+struct ProgramResult {
+    int exitCode = -1; ///< 128 + the signal's number when one ended it
+    std::string out, err;
+};
+
+/// Runs build/bin/NAME with the arguments in `folder`. `prefix` is shell text in front ("ulimit -f 1;").
+[[nodiscard]] ProgramResult RunProgram(const std::string& name, const std::vector<std::string>& arguments,
+                                       const std::string& folder, const std::string& prefix = {});
+
+} // namespace pelorin::test
