@@ -146,7 +146,9 @@ private:
 void SetDIBTable(DibBlock& block, std::span<const Rgb> colors, int first = 0);
 
 /// The 16 standard colours in table order.
-extern const std::array<Rgb, 16> kStandardColors;
+inline constexpr std::array<Rgb, 16> kStandardColors = {0x000000, 0x800000, 0x008000, 0x808000, 0x000080, 0x800080,
+                                                        0x008080, 0xC0C0C0, 0x808080, 0xFF0000, 0x00FF00, 0xFFFF00,
+                                                        0x0000FF, 0xFF00FF, 0x00FFFF, 0xFFFFFF};
 
 // ---- palettes ----
 
