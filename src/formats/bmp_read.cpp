@@ -1,4 +1,5 @@
 #include "base/files.h"
+#include "core/strings.h"
 #include "formats/bmp.h"
 
 namespace pelorin {
@@ -166,7 +167,7 @@ bool IsBmp(ByteSpan file) {
 
 DibBlock ReadRawBmp(ByteSpan file, Progress* watcher) {
     if (!IsBmp(file)) return {};
-    ProgressScope progress(watcher, "Reading BMP...", file.size());
+    ProgressScope progress(watcher, LoadText(str::kReadingBmp), file.size());
     ByteReader in(file);
     Header header;
     if (!ReadFields(in, header)) return {};

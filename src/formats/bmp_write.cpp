@@ -1,4 +1,5 @@
 #include "base/files.h"
+#include "core/strings.h"
 #include "formats/bmp.h"
 
 namespace pelorin {
@@ -40,7 +41,7 @@ int WriteBmp(const DibBlock& block, const PictureSaveOptions& options, Bytes& ou
     Parts parts;
     if (!Measure(block, parts)) return 3;
     const auto size = kFileHeaderSize + parts.front + parts.rows;
-    const ProgressScope progress(options.progress, "Writing BMP...", size);
+    const ProgressScope progress(options.progress, LoadText(str::kWritingBmp), size);
     ByteWriter file(size);
     file.Text("BM");
     file.U32LE(static_cast<std::uint32_t>(size));

@@ -1,3 +1,4 @@
+#include "core/strings.h"
 #include "formats/jpeg.h"
 #include "formats/jpeg_error.h"
 
@@ -139,7 +140,7 @@ DibBlock ReadJpeg(ByteSpan file, const PictureRequest& request, PictureFacts& fa
 
     const auto size = decoder.OutputSize();
     // A preview is made beside other work: it shows no bar.
-    ProgressScope progress(request.preview ? nullptr : request.progress, "Reading JPEG...",
+    ProgressScope progress(request.preview ? nullptr : request.progress, LoadText(str::kReadingJpeg),
                            static_cast<std::uint64_t>(size.height));
     auto block = CreateDIB(size.width, size.height, 24);
     const DibRows rows(block);
@@ -155,7 +156,7 @@ DibBlock ReadJpegIndexed(ByteSpan file, const CPalette* palette, Progress* watch
         std::copy_n(palette->colors.begin(), std::min<std::size_t>(palette->colors.size(), 256), colors.begin());
     if (!decoder.StartIndexed(palette ? colors.data() : nullptr)) return {};
 
-    ProgressScope progress(watcher, "Reading JPEG...", static_cast<std::uint64_t>(decoder.Height()));
+    ProgressScope progress(watcher, LoadText(str::kReadingJpeg), static_cast<std::uint64_t>(decoder.Height()));
     auto block = CreateDIB(decoder.Width(), decoder.Height(), 8);
     const DibRows rows(block);
     if (!rows || !ReadRows(decoder, rows, progress)) return {};

@@ -1,3 +1,4 @@
+#include "core/strings.h"
 #include "formats/jpeg.h"
 #include "formats/jpeg_error.h"
 #include "pixel/visit_depth.h"
@@ -87,7 +88,7 @@ int WriteJpeg(const DibBlock& block, const PictureSaveOptions& options, Bytes& o
     if (bits != 1 && bits != 4 && bits != 8 && bits != 24) return kFailed;
     Encoder encoder;
     if (!encoder.Start(view.Width(), view.Height(), options.jpegQuality)) return kFailed;
-    ProgressScope progress(options.progress, "Writing  JPEG...", static_cast<std::uint64_t>(view.Height()));
+    ProgressScope progress(options.progress, LoadText(str::kWritingJpeg), static_cast<std::uint64_t>(view.Height()));
     bool done = false;
     VisitDepth(view, [&](const auto& pixel) { done = WriteRows(encoder, view, pixel, progress); });
     if (!done) return kFailed;

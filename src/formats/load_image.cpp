@@ -1,6 +1,8 @@
 #include "formats/load_image.h"
 
+#include "core/file_kinds.h"
 #include "formats/bmp.h"
+#include "formats/jpeg.h"
 
 #include <deque>
 
@@ -11,7 +13,8 @@ namespace {
 // A deque, so that rows that were handed out stay where they are.
 std::deque<PictureFormat>& Formats() {
     static std::deque<PictureFormat> formats = {
-        {3, "BMP", IsBmp, ReadBmp},
+        {kKindBmp, "BMP", IsBmp, ReadBmp},
+        {kKindJpeg, "JPEG", IsJpeg, ReadJpeg},
     };
     return formats;
 }
@@ -27,6 +30,7 @@ DibBlock ReadWith(const PictureFormat& row, ByteSpan file, const PictureRequest&
         facts = {};
         return {};
     }
+    facts.kind = row.kind;
     facts.format = row.name;
     if (facts.width == 0) facts.width = DIBWidth(block);
     if (facts.height == 0) facts.height = DIBHeight(block);

@@ -18,7 +18,7 @@ struct PictureRequest {
     /// A small picture is enough: JPEG, JPEG 2000 and metafile readers take their shortcuts.
     bool preview = false;
     /// Box of a picture without a size of its own (metafiles); 0 x 0: the reader's default.
-    Size box;
+    Size box{};
     /// Frame of an animated or multi-page file, from 0. A frame that is not there gives an empty block.
     int frame = 0;
     /// Layer of a layered file, from 0; -1: the composite. A layer that is not there gives an empty block.
@@ -41,7 +41,8 @@ struct PictureFacts {
     /// Of an 8-bpp block: entry that is transparent, -1 for none; bits of the file's palette, 0 for none.
     int transparentIndex = -1;
     int paletteBits = 0;
-    /// Name of the format whose reader was used ("PNG"); set by the dispatcher.
+    /// File kind and name ("PNG") of the format whose reader was used; set by the dispatcher.
+    int kind = 0;
     std::string_view format;
 };
 

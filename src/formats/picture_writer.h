@@ -33,13 +33,13 @@ struct GifSaveOptions {
 
 struct PictureSaveOptions {
     int jpegQuality = 80;
-    GifSaveOptions gif;
+    GifSaveOptions gif{};
     /// Size of a JPEG 2000 file as a fraction of the raw pixels; 0: lossless.
     double jp2Rate = 0;
     /// An 8-bpp block becomes one grey JPEG 2000 component whose samples are the indices.
     bool jp2Gray = false;
     /// Extension of the file that is written, without the dot; set by the dispatcher. JPEG 2000 asks for it.
-    std::string_view extension;
+    std::string_view extension{};
     Progress* progress = nullptr;
 };
 

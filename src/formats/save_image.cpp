@@ -1,7 +1,9 @@
 #include "formats/save_image.h"
 
 #include "base/files.h"
+#include "core/file_kinds.h"
 #include "formats/bmp.h"
+#include "formats/jpeg.h"
 
 namespace pelorin {
 
@@ -14,7 +16,8 @@ constexpr std::uint64_t Depths(std::initializer_list<int> bits) {
 }
 
 constexpr PictureSaver kSavers[] = {
-    {3, "BMP", "bmp", WriteBmp, Depths({1, 4, 8, 15, 16, 24, 32}), 4},
+    {kKindBmp, "BMP", "bmp", WriteBmp, Depths({1, 4, 8, 15, 16, 24, 32}), 4},
+    {kKindJpeg, "JPEG", "jpg", WriteJpeg, Depths({1, 4, 8, 24}), 2},
 };
 
 } // namespace

@@ -1,0 +1,12 @@
+#include "formats/jpeg.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace pelorin;
+    for (const bool preview : {false, true}) {
+        PictureFacts facts;
+        const auto block = ReadJpeg({data, size}, {.preview = preview}, facts);
+        if (block && !DibView(block)) __builtin_trap();
+    }
+    (void)ReadJpegIndexed({data, size}, nullptr);
+    return 0;
+}
