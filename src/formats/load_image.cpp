@@ -3,6 +3,7 @@
 #include "core/file_kinds.h"
 #include "formats/bmp.h"
 #include "formats/jpeg.h"
+#include "formats/png.h"
 
 #include <deque>
 
@@ -15,6 +16,7 @@ std::deque<PictureFormat>& Formats() {
     static std::deque<PictureFormat> formats = {
         {kKindBmp, "BMP", IsBmp, ReadBmp},
         {kKindJpeg, "JPEG", IsJpeg, ReadJpeg},
+        {kKindPng, "PNG", IsPng, ReadPng},
     };
     return formats;
 }

@@ -4,6 +4,7 @@
 #include "core/file_kinds.h"
 #include "formats/bmp.h"
 #include "formats/jpeg.h"
+#include "formats/png.h"
 
 namespace pelorin {
 
@@ -18,6 +19,7 @@ constexpr std::uint64_t Depths(std::initializer_list<int> bits) {
 constexpr PictureSaver kSavers[] = {
     {kKindBmp, "BMP", "bmp", WriteBmp, Depths({1, 4, 8, 15, 16, 24, 32}), 4},
     {kKindJpeg, "JPEG", "jpg", WriteJpeg, Depths({1, 4, 8, 24}), 2},
+    {kKindPng, "PNG", "png", WritePng, Depths({1, 4, 8, 24, 32}), 1},
 };
 
 } // namespace
