@@ -52,6 +52,12 @@ HeaderFacts ReadHeader(ByteSpan block) {
     return facts;
 }
 
+// Where the rows begin: behind the table, or behind the three masks that stand in its place.
+std::uint64_t RowsBegin(const HeaderFacts& facts) {
+    const bool masks = facts.compression == kBitFields;
+    return facts.headerSize + (masks ? 12 : std::uint64_t{facts.tableCount} * facts.tableEntry);
+}
+
 } // namespace
 
 void DibBlock::Free::operator()(std::uint8_t* p) const {
@@ -102,6 +108,12 @@ std::size_t PaletteSize(ByteSpan block) {
     return facts.known ? DIBNumColors(block) * facts.tableEntry : 0;
 }
 
+std::size_t DIBRowsOffset(ByteSpan block) {
+    const auto facts = ReadHeader(block);
+    const auto offset = RowsBegin(facts);
+    return facts.known && offset <= block.size() ? static_cast<std::size_t>(offset) : 0;
+}
+
 std::uint16_t DIBNumColorsOfHandle(const DibBlock& block) {
     return DIBNumColors(block);
 }
@@ -114,8 +126,7 @@ DibView::DibView(ByteSpan block) {
     if (std::int64_t{facts.width} * facts.height > kMaxPixels) return;
 
     const bool masks = facts.compression == kBitFields;
-    const std::uint64_t table = masks ? 12 : std::uint64_t{facts.tableCount} * facts.tableEntry;
-    const std::uint64_t rows = facts.headerSize + table;
+    const std::uint64_t rows = RowsBegin(facts);
     const std::uint64_t stride = DibStride(facts.width, facts.bits);
     if (rows + stride * static_cast<std::uint64_t>(facts.height) > block.size()) return;
 
@@ -202,26 +213,6 @@ bool DIBHasAlpha(const DibBlock& block) {
         }
     }
     return false;
-}
-
-DibBlock ConvertDIBTo24(const DibBlock& block) {
-    const DibView source(block);
-    auto result = source ? CreateDIB(source.Width(), source.Height(), 24) : DibBlock();
-    const DibRows target(result);
-    if (!target) return {};
-    VisitDepth(source, [&](const auto& pixel) {
-        for (int y = 0; y < source.Height(); ++y) {
-            const auto* from = source.Row(y);
-            auto* to = target.Row(y);
-            for (int x = 0; x < source.Width(); ++x, to += 3) {
-                const std::uint32_t color = pixel(from, x);
-                to[0] = static_cast<std::uint8_t>(color);
-                to[1] = static_cast<std::uint8_t>(color >> 8);
-                to[2] = static_cast<std::uint8_t>(color >> 16);
-            }
-        }
-    });
-    return result;
 }
 
 } // namespace pelorin

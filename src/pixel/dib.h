@@ -70,6 +70,8 @@ private:
 [[nodiscard]] std::uint16_t DIBNumColors(ByteSpan block);
 /// Bytes of the colour table: 4 or, with the core header, 3 an entry.
 [[nodiscard]] std::size_t PaletteSize(ByteSpan block);
+/// Where the rows begin; 0 when that is behind the block's end.
+[[nodiscard]] std::size_t DIBRowsOffset(ByteSpan block);
 [[nodiscard]] std::uint16_t DIBNumColorsOfHandle(const DibBlock& block);
 inline int DIBWidth(const DibBlock& block) {
     return DIBWidth(block.Span());
