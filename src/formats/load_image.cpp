@@ -3,6 +3,7 @@
 #include "core/file_kinds.h"
 #include "formats/bmp.h"
 #include "formats/jpeg.h"
+#include "formats/jpeg2000.h"
 #include "formats/png.h"
 
 #include <deque>
@@ -16,6 +17,7 @@ std::deque<PictureFormat>& Formats() {
     static std::deque<PictureFormat> formats = {
         {kKindBmp, "BMP", IsBmp, ReadBmp},
         {kKindJpeg, "JPEG", IsJpeg, ReadJpeg},
+        {kKindJpeg2000, "JPEG 2000", IsJpeg2000, ReadJpeg2000},
         {kKindPng, "PNG", IsPng, ReadPng},
     };
     return formats;
