@@ -2,6 +2,7 @@
 
 #include "base/files.h"
 #include "core/file_kinds.h"
+#include "pixel/depth.h"
 
 namespace pelorin {
 
@@ -26,20 +27,6 @@ Bytes SourcePalette(const DibBlock& block, int bits) {
         for (const int shift : {16, 8, 0}) palette.push_back(static_cast<std::uint8_t>(view.Color(i) >> shift));
     }
     return palette;
-}
-
-// 8 bpp to 32, one index with alpha 0.
-DibBlock KeyTo32(const DibBlock& block, int index) {
-    const DibView from(block);
-    auto result = CreateDIB(from.Width(), from.Height(), 32);
-    const DibRows to(result);
-    if (!to) return {};
-    auto table = from.Table();
-    for (int i = 0; i < 256; ++i) table[static_cast<std::size_t>(i)] |= i == index ? 0u : 0xFF000000u;
-    for (int y = 0; y < from.Height(); ++y) {
-        for (int x = 0; x < from.Width(); ++x) StoreU32LE(to.Row(y) + std::ptrdiff_t{4} * x, table[from.Row(y)[x]]);
-    }
-    return result;
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "formats/jpeg.h"
 #include "formats/jpeg2000.h"
 #include "formats/png.h"
+#include "formats/tiff.h"
 
 #include <deque>
 
@@ -19,6 +20,7 @@ std::deque<PictureFormat>& Formats() {
         {kKindJpeg, "JPEG", IsJpeg, ReadJpeg},
         {kKindJpeg2000, "JPEG 2000", IsJpeg2000, ReadJpeg2000},
         {kKindPng, "PNG", IsPng, ReadPng},
+        {kKindTiff, "TIFF", IsTiff, ReadTiff},
     };
     return formats;
 }
