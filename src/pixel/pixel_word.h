@@ -1,6 +1,7 @@
 // A pixel of four bytes as one word, loaded and stored in a way that loops over rows can be vectorised.
 #pragma once
 
+#include "pixel/color.h"
 #include "pixel/visit_depth.h"
 
 #include <bit>
@@ -26,15 +27,6 @@ inline void StorePixel(std::uint8_t* p, Argb value) {
     }
 }
 
-[[nodiscard]] constexpr int BlueOf(Argb value) {
-    return static_cast<int>(value & 255);
-}
-[[nodiscard]] constexpr int GreenOf(Argb value) {
-    return static_cast<int>(value >> 8 & 255);
-}
-[[nodiscard]] constexpr int RedOf(Argb value) {
-    return static_cast<int>(value >> 16 & 255);
-}
 [[nodiscard]] constexpr int AlphaOf(Argb value) {
     return static_cast<int>(value >> 24);
 }
