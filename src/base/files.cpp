@@ -178,6 +178,11 @@ bool SameFile(std::string_view a, std::string_view b) {
     return Stat(a, first) && Stat(b, second) && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
+std::string CurrentFolder() {
+    std::array<char, PATH_MAX> path{};
+    return getcwd(path.data(), path.size()) == nullptr ? std::string{} : std::string(path.data());
+}
+
 bool CreateFolders(std::string_view path) {
     const auto whole = SystemPath(path);
     for (std::size_t at = 0; at != std::string::npos;) {

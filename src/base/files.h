@@ -38,6 +38,8 @@ public:
 [[nodiscard]] std::uint64_t FileSize(std::string_view path); ///< 0 when there is none
 /// True when both names lead to the same file or folder of the system.
 [[nodiscard]] bool SameFile(std::string_view a, std::string_view b);
+/// The folder that relative paths start from; empty when it is gone.
+[[nodiscard]] std::string CurrentFolder();
 /// Makes the folder and those above it; true when it is there afterwards.
 bool CreateFolders(std::string_view path);
 /// True when a file was there and is gone.
