@@ -1,6 +1,6 @@
 #include "icon/icon_format.h"
 
-#include <fmt/format.h>
+#include "core/strings.h"
 
 #include <string_view>
 
@@ -10,42 +10,41 @@ namespace {
 
 struct DepthRow {
     int bits;
-    std::string_view name, macintoshName, shortName;
+    int name, macintoshName; ///< string numbers
+    std::string_view shortName;
 };
 constexpr DepthRow kDepths[] = {
-    {1, "Mono", "Mono", "Mono"},
-    {4, "16 colors", "16 colors", "16"},
-    {8, "256 colors", "256 colors", "256"},
-    {15, "32768 colors", "32768 colors", "32K"},
-    {16, "65536 colors", "65536 colors", "64K"},
-    {24, "16,8M colors", "16,8M colors", "16,8M"},
-    {32, "XP (RGB/A)", "RGB/A", "RGB/A"},
+    {1, str::kDepthMono, str::kDepthMono, "Mono"},   {4, str::kDepth16, str::kDepth16, "16"},
+    {8, str::kDepth256, str::kDepth256, "256"},      {15, str::kDepth15Bit, str::kDepth15Bit, "32K"},
+    {16, str::kDepth16Bit, str::kDepth16Bit, "64K"}, {24, str::kDepth24, str::kDepth24, "16,8M"},
+    {32, str::kDepth32, str::kDepth32Mac, "RGB/A"},
 };
 
-DepthRow RowOf(int bits) {
+const DepthRow* RowOf(int bits) {
     for (const auto& row : kDepths) {
-        if (row.bits == bits) return row;
+        if (row.bits == bits) return &row;
     }
-    return {};
+    return nullptr;
 }
 
 } // namespace
 
 std::string DepthName(int bits, bool macintosh) {
-    const auto row = RowOf(bits);
-    return std::string(macintosh ? row.macintoshName : row.name);
+    const auto* row = RowOf(bits);
+    return row ? LoadText(macintosh ? row->macintoshName : row->name) : std::string();
 }
 
 std::string DepthShortName(int bits) {
-    return std::string(RowOf(bits).shortName);
+    const auto* row = RowOf(bits);
+    return std::string(row ? row->shortName : std::string_view());
 }
 
 std::string FormatDescription(int width, int height, int bits, bool macintosh) {
-    return fmt::format("{}x{} - {}", width, height, DepthName(bits, macintosh));
+    return FormatText(str::kFormatDescription, width, height, DepthName(bits, macintosh));
 }
 
 std::string FormatShortDescription(int width, int height, int bits) {
-    return fmt::format("{}x{} - {}", width, height, DepthShortName(bits));
+    return FormatText(str::kFormatDescription, width, height, DepthShortName(bits));
 }
 
 } // namespace pelorin

@@ -1,22 +1,17 @@
-// One image format of an icon, stored as it stands in an icon file.
-//
-// The block of an image that is not compressed:
-//   0     40-byte bitmap header: the height is twice the image's, planes 1, bit count 1, 4, 8, 24 or 32,
-//         colours used = the colours field
-//   40    colour table, colours x 4 bytes (none at 24 and 32 bits)
-//   ...   XOR rows: the image, the bottom row first, padded to 4 bytes
-//   ...   AND rows: 1 bit a pixel, the same order, padded to 4 bytes; a set bit is transparent
-// A 32-bit block has AND rows too. A compressed image is a whole PNG file in the icon file and a block in memory.
+// One image format of an icon, stored as it stands in an icon file: a block as icon_block.h lays it out. A compressed
+// image is a whole PNG file in the icon file and a block in memory.
 #pragma once
 
+#include "icon/icon_block.h"
 #include "icon/icon_format.h"
-#include "pixel/cdib.h"
 
 namespace pelorin {
 
 class CVnIcon {
 public:
     CVnIcon() = default;
+    CVnIcon(CVnIcon&&) noexcept = default;
+    CVnIcon& operator=(CVnIcon&&) noexcept = default;
 
     // ---- what it is ----
     int m_nWidth = 0, m_nHeight = 0;
@@ -27,39 +22,48 @@ public:
     /// Starts set; cleared when a 256-entry table differs from the standard one.
     bool m_bStandardPalette = true;
     int m_nHotSpotX = -1, m_nHotSpotY = -1; ///< -1: none
-    int m_nResourceId = 0;
-    std::uint32_t m_nReserved = 0;
+    int m_nResourceId = 0;                  ///< while it is written into a library
+    std::uint32_t m_nReserved = 0;          ///< goes with copies, means nothing here
 
     // ---- the block ----
     Bytes m_hImage;
     std::uint32_t m_nBytes = 0; ///< what the size rule gives for the fields above
     Bytes m_pPngData;           ///< the image compressed, made while a library is written
+    /// Bytes that a compressed image took in the file that it was read from; 0 otherwise.
+    std::uint32_t m_nPngBytesRead = 0;
+
+    // ---- scratch of writers and lists; a copy starts with all of it 0 ----
+    std::uint32_t m_nSavedOffset = 0, m_nSavedIndex = 0;
+    DibBlock m_hPreview;
+    std::uint32_t m_nPreviewInfo = 0;
 
     /// 1, 4, 8, 24 or 32 by colours and alpha; 0 for an unusual number of colours.
-    [[nodiscard]] int BitCount() const;
-    /// 40 + table + XOR rows + AND rows, by colours and alpha; 0 when a side is not positive or above the pixel cap.
+    [[nodiscard]] int BitCount() const { return IconBitCount(m_nColors, m_bAlpha); }
+    /// The bit count of an unusual image too: there it is what the block's header says.
+    [[nodiscard]] int ShownBitCount() const;
+    /// Bytes of the image in a file: those of the block, or of the PNG that was read.
+    [[nodiscard]] std::uint32_t StoredBytes() const {
+        return m_bCompressed && m_nPngBytesRead != 0 ? m_nPngBytesRead : m_nBytes;
+    }
+    /// Size of a block, 0 when a side is not positive or the picture is above the pixel cap.
     [[nodiscard]] static std::uint32_t BlockSize(int width, int height, int colors, bool alpha);
 
     /// Sets the four fields, computes `m_nBytes` and takes a fresh zeroed block. False, with nothing changed, when a
     /// side is not positive or the picture is above `kMaxPixels`.
     bool Create(int width, int height, int colors, bool alpha);
-    /// A copy for another group: writers' scratch and caches start anew.
+    /// A copy for another group: scratch and caches start anew.
     void Copy(const CVnIcon& other);
 
     /// Reads one image at the start of `data`, which may go on behind it. A PNG needs its size in `bytes`; `bits` is
     /// the depth that a decoded PNG gets (0: 32). `bytes` and `bits` are not used otherwise. A short block is filled
-    /// with zeros. False when it is no image.
+    /// with zeros. False, with nothing changed, when it is no image.
     [[nodiscard]] bool ReadFromMemory(ByteSpan data, std::uint32_t bytes, int bits);
     /// The image as a PNG file; empty when it cannot be made. A 24-bit block is changed by this (see
     /// `IconBlockToDIB32`).
     [[nodiscard]] Bytes WriteCompressed();
-};
 
-/// 32-bpp picture of an icon block. At 1, 4 and 8 bits a set AND bit gives (192, 192, 192) with alpha 0, all else the
-/// table's colour (black and white at 1 bit) with alpha 255. At 24 bits an opaque pixel comes out black, and the source
-/// row takes the black too: kept on purpose. Empty for a block that is not whole.
-[[nodiscard]] DibBlock IconBlockToDIB32(MutableByteSpan iconBlock);
-/// An icon block of depth 1, 4, 8, 24 or 32 from a 32-bpp picture; empty for other depths.
-[[nodiscard]] Bytes DIB32ToIconBlock(const DibBlock& block32, int bits);
+private:
+    bool ReadPngImage(ByteSpan png, int bits);
+};
 
 } // namespace pelorin
