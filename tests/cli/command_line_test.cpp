@@ -1,4 +1,5 @@
 #include "support/run_program.h"
+#include "support/temp_folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,23 +1,13 @@
 #include "support/run_program.h"
 
+#include "support/temp_folder.h"
+
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sys/wait.h>
-#include <unistd.h>
 
 namespace pelorin::test {
-
-TempFolder::TempFolder() {
-    auto pattern = (std::filesystem::temp_directory_path() / "pelorin-test-XXXXXX").string();
-    if (mkdtemp(pattern.data()) != nullptr) m_path = pattern;
-}
-
-TempFolder::~TempFolder() {
-    std::error_code ignored;
-    if (!m_path.empty()) std::filesystem::remove_all(m_path, ignored);
-}
 
 namespace {
 
@@ -40,12 +30,12 @@ ProgramResult RunProgram(const std::string& name, const std::vector<std::string>
     std::string command =
         "cd " + Quoted(folder) + " && { " + prefix + " " + Quoted(std::string(PELORIN_BIN_DIR) + "/" + name);
     for (const auto& argument : arguments) command += " " + Quoted(argument);
-    command += "; } >" + Quoted(streams / "out") + " 2>" + Quoted(streams / "err") + " </dev/null";
+    command += "; } >" + Quoted(streams.Path("out")) + " 2>" + Quoted(streams.Path("err")) + " </dev/null";
     const int status = std::system(command.c_str());
     ProgramResult result;
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    result.out = Contents(streams / "out");
-    result.err = Contents(streams / "err");
+    result.out = Contents(streams.Path("out"));
+    result.err = Contents(streams.Path("err"));
     return result;
 }
 

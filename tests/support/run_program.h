@@ -6,20 +6,6 @@
 
 namespace pelorin::test {
 
-/// A folder of this test's own, empty at first; removed with all that is in it when the object goes away.
-class TempFolder {
-public:
-    TempFolder();
-    ~TempFolder();
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-    [[nodiscard]] const std::string& Path() const { return m_path; }
-    [[nodiscard]] std::string operator/(const std::string& name) const { return m_path + "/" + name; }
-
-private:
-    std::string m_path;
-};
-
 struct ProgramResult {
     int exitCode = -1; ///< 128 + the signal's number when one ended it
     std::string out, err;
