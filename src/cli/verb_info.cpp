@@ -1,0 +1,114 @@
+#include "base/files.h"
+#include "base/text.h"
+#include "cli/json_writer.h"
+#include "cli/text_table.h"
+#include "cli/verb.h"
+#include "core/strings.h"
+#include "formats/load_image.h"
+#include "icon/icon_sources.h"
+
+#include <fmt/format.h>
+
+namespace pelorin::cli {
+
+namespace {
+
+struct FileInfo {
+    std::string kind, typeName;
+    std::size_t bytes = 0;
+    IconFileReport report;
+};
+
+void InspectPicture(ByteSpan file, int kind, FileInfo& info) {
+    PictureFacts facts;
+    if (!ReadPicture(file, kind, {}, facts))
+        throw FileException("this is neither a file that carries icons nor a picture");
+    info.kind = ToLower(facts.format);
+    info.report.facts = {{"width", fmt::format("{}", facts.width)},
+                         {"height", fmt::format("{}", facts.height)},
+                         {"bits", fmt::format("{}", facts.bits)},
+                         {"frames", fmt::format("{}", facts.frames)}};
+    for (const auto& layer : facts.layers) info.report.facts.emplace_back("layer", layer);
+}
+
+void CountIcons(ByteSpan file, const IconSource& source, FileInfo& info) {
+    int icons = 0, formats = 0;
+    const bool good = source.visit(file, [&](CIconGroup& group) {
+        ++icons;
+        formats += group.GetCount();
+        return true;
+    });
+    info.report.facts.emplace_back("icons", fmt::format("{}", icons));
+    info.report.facts.emplace_back("formats", fmt::format("{}", formats));
+    if (!good) info.report.oddities.emplace_back("it cannot be opened: an image is missing or damaged");
+}
+
+FileInfo Inspect(const std::string& path) {
+    const auto view = FileView::Open(path);
+    const int kind = path == "-" ? kKindNone : GetFileKind(path);
+    FileInfo info;
+    info.bytes = view.Data().size();
+    const auto* source = FindIconSource(view.Data(), kind);
+    info.typeName = LoadText(KindInfo(source ? source->kind : kind).typeName);
+    if (!source) {
+        InspectPicture(view.Data(), kind, info);
+        return info;
+    }
+    info.kind = source->name;
+    CountIcons(view.Data(), *source, info);
+    if (source->inspect) source->inspect(view.Data(), info.report);
+    if (kind != source->kind && kind != kKindNone) {
+        info.report.oddities.push_back(fmt::format("the name says \"{}\"", LoadText(KindInfo(kind).typeName)));
+    }
+    return info;
+}
+
+void WriteJson(JsonWriter& json, const std::string& file, const FileInfo& info) {
+    json.BeginObject();
+    json.Field("file", file);
+    json.Field("kind", info.kind);
+    json.Field("type_name", info.typeName);
+    json.Field("bytes", static_cast<std::int64_t>(info.bytes));
+    json.Key("facts");
+    json.BeginObject();
+    for (const auto& [name, value] : info.report.facts) json.Field(name, value);
+    json.EndObject();
+    json.Key("oddities");
+    json.BeginArray();
+    for (const auto& oddity : info.report.oddities) json.String(oddity);
+    json.EndArray();
+    json.EndObject();
+}
+
+std::string Text(const std::string& file, const FileInfo& info) {
+    TextTable table("ll", "  ");
+    table.Row({"kind", info.typeName.empty() ? info.kind : fmt::format("{} ({})", info.typeName, info.kind)});
+    table.Row({"bytes", fmt::format("{}", info.bytes)});
+    for (const auto& [name, value] : info.report.facts) table.Row({ReplaceAll(name, "_", " "), Printable(value)});
+    for (const auto& oddity : info.report.oddities) table.Row({"odd", Printable(oddity)});
+    return Printable(file) + "\n" + table.Text();
+}
+
+} // namespace
+
+VerbAction SetUpInfo(VerbSetup& setup) {
+    auto files = std::make_shared<std::vector<std::string>>();
+    setup.Inputs("FILE", *files, "icon files, libraries, program files, pictures");
+    setup.Reports();
+    return [files](Run& run) {
+        JsonWriter json;
+        json.BeginArray();
+        run.ForEach(*files, [&](const std::string& file) {
+            const auto info = Inspect(file);
+            if (run.Options().json) {
+                WriteJson(json, file, info);
+            } else {
+                run.Print(Text(file, info));
+            }
+        });
+        json.EndArray();
+        if (run.Options().json) run.Print(json.Take());
+    };
+}
+
+} // namespace pelorin::cli
