@@ -2,13 +2,14 @@
 
 #include "base/text.h"
 
-#include <ranges>
+#include <algorithm>
 
 namespace pelorin {
 
 RecentFiles::RecentFiles(const std::vector<std::string>& stored) {
-    for (const auto& path : stored | std::views::take(kMost) | std::views::reverse) {
-        if (!path.empty()) Add(path);
+    // Oldest first, so that the newest ends in front.
+    for (std::size_t i = std::min(stored.size(), std::size_t{kMost}); i-- > 0;) {
+        if (!stored[i].empty()) Add(stored[i]);
     }
 }
 

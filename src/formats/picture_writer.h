@@ -7,18 +7,15 @@
 #pragma once
 
 #include "base/progress.h"
-#include "pixel/dib.h"
+#include "pixel/map_palette.h"
 
 namespace pelorin {
-
-/// Which colours a reduction to a palette starts from; the numbers are those of the settings.
-enum class GifPalette { Adaptive = 0, WebSafe = 1, Windows = 2, MacOs = 3 };
 
 /// How a picture becomes a GIF.
 struct GifSaveOptions {
     /// Size of the palette: 2, 4, ... 256; 0: 256 colours, and a block of 8 bits or less keeps the palette it has.
     int colors = 0;
-    GifPalette palette = GifPalette::Adaptive;
+    PaletteKind palette = PaletteKind::Adaptive;
     bool dither = true;
     /// Colour under half-transparent pixels, as 0x00RRGGBB.
     Rgb matte = 0xFFFFFF;

@@ -1,7 +1,9 @@
 #include "formats/save_image.h"
 
 #include "base/files.h"
+#include "base/text.h"
 #include "core/file_kinds.h"
+#include "core/user_prompt.h"
 #include "formats/bmp.h"
 #include "formats/jpeg.h"
 #include "formats/jpeg2000.h"
@@ -19,10 +21,17 @@ constexpr std::uint64_t Depths(std::initializer_list<int> bits) {
 
 constexpr PictureSaver kSavers[] = {
     {kKindBmp, "BMP", "bmp", WriteBmp, Depths({1, 4, 8, 15, 16, 24, 32}), 4},
-    {kKindJpeg, "JPEG", "jpg", WriteJpeg, Depths({1, 4, 8, 24}), 2},
+    {kKindJpeg, "JPEG", "jpg", WriteJpeg, Depths({1, 4, 8, 24}), 2, true},
     {kKindJpeg2000, "JPEG 2000", "jp2", WriteJpeg2000, Depths({1, 4, 8, 24, 32}), 1},
     {kKindPng, "PNG", "png", WritePng, Depths({1, 4, 8, 24, 32}), 1},
 };
+
+constexpr int kIgnored = 1;
+
+PromptAnswer AskAgain(UserPrompt& prompt, std::string_view path) {
+    return prompt.ShowText(str::kErrorCreatingJpeg, LoadText(str::kErrorCreatingJpeg) + "\n" + std::string(path),
+                           PromptIcon::Stop, PromptButtons::AbortRetryIgnore);
+}
 
 } // namespace
 
@@ -42,7 +51,8 @@ int EncodePicture(const DibBlock& block, int kind, const PictureSaveOptions& opt
     return saver ? saver->write(block, options, out) : kNoSuchWriter;
 }
 
-int SavePicture(const DibBlock& block, int kind, std::string_view path, PictureSaveOptions options) {
+int SavePicture(const DibBlock& block, int kind, std::string_view path, PictureSaveOptions options,
+                UserPrompt* prompt) {
     const auto* saver = PictureSaverOfKind(kind);
     if (!saver) return kNoSuchWriter;
     options.extension = ExtensionOf(path);
@@ -50,12 +60,24 @@ int SavePicture(const DibBlock& block, int kind, std::string_view path, PictureS
     if (const int code = saver->write(block, options, file)) return code;
     // A writer that has nothing to write is done, and no file comes of it.
     if (file.empty()) return 0;
-    try {
-        WriteFileSafely(path, file);
-    } catch (const FileException&) {
-        return saver->cannotWrite;
+    for (;;) {
+        try {
+            WriteFileSafely(path, file);
+            return 0;
+        } catch (const FileException&) {
+            if (!saver->asks || !prompt) return saver->cannotWrite;
+            const auto answer = AskAgain(*prompt, path);
+            if (answer == PromptAnswer::Ignore) return kIgnored;
+            if (answer != PromptAnswer::Retry) return saver->cannotWrite;
+        }
     }
-    return 0;
+}
+
+int KindOfFilter(std::string_view filters, int index) {
+    const auto parts = Split(filters, '|');
+    const auto at = static_cast<std::size_t>(index) * 2 - 1;
+    if (index < 1 || at >= parts.size()) return kKindNone;
+    return GetFileKind(Split(parts[at], ';')[0]);
 }
 
 } // namespace pelorin

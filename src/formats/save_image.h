@@ -8,6 +8,8 @@
 
 namespace pelorin {
 
+class UserPrompt;
+
 struct PictureSaver {
     /// File kind of the format's names.
     int kind;
@@ -18,6 +20,8 @@ struct PictureSaver {
     std::uint64_t depths;
     /// What a save returns when the file cannot be made or written.
     int cannotWrite;
+    /// The person is asked before a save gives up for that reason: Retry tries again, Ignore makes it return 1.
+    bool asks = false;
 };
 
 /// What a save returns when no writer takes the kind.
@@ -30,7 +34,12 @@ inline constexpr int kNoSuchWriter = -1;
 /// The whole file of the kind in `out`; the writer's code, 0 when done.
 [[nodiscard]] int EncodePicture(const DibBlock& block, int kind, const PictureSaveOptions& options, Bytes& out);
 /// Writes the file; an older one of that name is replaced once the new one is whole. 0 when done; `kNoSuchWriter`, the
-/// writer's code, or its row's `cannotWrite`.
-[[nodiscard]] int SavePicture(const DibBlock& block, int kind, std::string_view path, PictureSaveOptions options = {});
+/// writer's code, or its row's `cannotWrite`. Without a `prompt` nobody is asked.
+[[nodiscard]] int SavePicture(const DibBlock& block, int kind, std::string_view path, PictureSaveOptions options = {},
+                              UserPrompt* prompt = nullptr);
+
+/// File kind of the filter at `index`, from 1, of a file dialog's list ("Name|*.ext;*.ext|Name|*.ext||"); 0 when the
+/// list has no such filter.
+[[nodiscard]] int KindOfFilter(std::string_view filters, int index);
 
 } // namespace pelorin
