@@ -2,7 +2,6 @@
 
 #include "base/files.h"
 #include "core/file_kinds.h"
-#include "pixel/depth.h"
 
 namespace pelorin {
 
@@ -16,17 +15,6 @@ void Publish(const DibBlock& block, const PictureFacts& facts) {
     g_LastImageWidth = own ? facts.width : DIBWidth(block);
     g_LastImageHeight = own ? facts.height : DIBHeight(block);
     g_LastImageBits = own ? facts.bits : DIBBitCount(block);
-}
-
-// The first 1 << bits entries of an 8-bpp table as red, green, blue.
-Bytes SourcePalette(const DibBlock& block, int bits) {
-    const DibView view(block);
-    Bytes palette;
-    if (view.BitCount() != 8 || bits > 8 || view.TableCount() < 1 << bits) return palette;
-    for (int i = 0; i < 1 << bits; ++i) {
-        for (const int shift : {16, 8, 0}) palette.push_back(static_cast<std::uint8_t>(view.Color(i) >> shift));
-    }
-    return palette;
 }
 
 } // namespace
@@ -53,11 +41,8 @@ bool LoadFromFile(CDIB& dib, std::string_view path, const PictureRequest& reques
     dib.Attach(std::move(block));
     if (facts.kind == kKindAni) dib.m_nFrameRate = facts.delay;
     dib.m_nTransparentIndex = facts.transparentIndex;
-    if (facts.paletteBits > 0) {
-        dib.m_nPaletteBits = facts.paletteBits;
-        dib.m_pSourcePalette = SourcePalette(dib.Block(), facts.paletteBits);
-    }
-    if (facts.transparentIndex >= 0 && dib.GetBitCount() == 8) dib.Attach(KeyTo32(dib.Block(), facts.transparentIndex));
+    if (facts.paletteBits > 0) (void)dib.KeepSourcePalette(facts.paletteBits);
+    (void)dib.ApplyTransparentIndex();
     return true;
 }
 
