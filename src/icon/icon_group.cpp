@@ -1,6 +1,7 @@
 #include "icon/icon_group.h"
 
 #include "core/strings.h"
+#include "icon/format_order.h"
 
 #include <fmt/format.h>
 
@@ -8,7 +9,6 @@
 #include <atomic>
 #include <cstdlib>
 #include <new>
-#include <tuple>
 
 namespace pelorin {
 
@@ -28,17 +28,8 @@ int DepthValue(const CVnIcon& icon) {
     return icon.m_nColors;
 }
 
-auto SavingKey(const CVnIcon& icon) {
-    return std::tuple(icon.BitCount(), -icon.m_nWidth, -icon.m_nHeight);
-}
-
-auto ExplorerKey(const CVnIcon& icon) {
-    const bool last = icon.BitCount() == 32;
-    return std::tuple(last, icon.m_nWidth, last ? 0 : icon.BitCount());
-}
-
-auto DisplayKey(const CVnIcon& icon) {
-    return std::tuple(-icon.BitCount(), -icon.m_nWidth, -icon.m_nHeight);
+IconFormat FormatOf(const CVnIcon& icon) {
+    return {icon.m_nWidth, icon.m_nHeight, icon.BitCount()};
 }
 
 } // namespace
@@ -95,7 +86,8 @@ std::string CIconGroup::GetShownName() const {
 void CIconGroup::Sort(bool explorerOrder) {
     // Neighbours change places only when they are out of order, so equal ones keep theirs.
     std::stable_sort(m_arrIcons.begin(), m_arrIcons.end(), [=](const auto& a, const auto& b) {
-        return explorerOrder ? ExplorerKey(*a) < ExplorerKey(*b) : SavingKey(*a) < SavingKey(*b);
+        return explorerOrder ? ExplorerKey(FormatOf(*a)) < ExplorerKey(FormatOf(*b))
+                             : SavingKey(FormatOf(*a)) < SavingKey(FormatOf(*b));
     });
     m_arrDisplayOrder.clear();
 }
@@ -105,7 +97,7 @@ const std::vector<std::uint32_t>& CIconGroup::GetDisplayOrder() {
         m_arrDisplayOrder.resize(m_arrIcons.size());
         for (std::uint32_t i = 0; i < m_arrDisplayOrder.size(); ++i) m_arrDisplayOrder[i] = i;
         std::stable_sort(m_arrDisplayOrder.begin(), m_arrDisplayOrder.end(), [this](std::uint32_t a, std::uint32_t b) {
-            return DisplayKey(*m_arrIcons[a]) < DisplayKey(*m_arrIcons[b]);
+            return DisplayKey(FormatOf(*m_arrIcons[a])) < DisplayKey(FormatOf(*m_arrIcons[b]));
         });
     }
     return m_arrDisplayOrder;

@@ -1,0 +1,49 @@
+#include "icon/source_picture.h"
+
+#include "base/parallel.h"
+#include "pixel/crop.h"
+#include "pixel/resample.h"
+
+#include <utility>
+
+namespace pelorin {
+
+SourcePicture::SourcePicture(const DibBlock& block) {
+    const DibView view(block);
+    if (!view) return;
+    m_bits = view.BitCount();
+    m_size = view.GetSize();
+    m_palette = CreateDIBPalette(block);
+    if (m_bits == 24 || m_bits == 32) {
+        m_working = &block;
+        return;
+    }
+    m_converted = ConvertDIBTo24(block);
+    if (m_converted) m_working = &m_converted;
+}
+
+DibBlock SourcePicture::Make(Size size, bool resample) const {
+    if (!m_working || size.width <= 0 || size.height <= 0) return {};
+    if (resample) return ResampleDIB(*m_working, size.width, size.height);
+    const Size cut{std::min(size.width, m_size.width), std::min(size.height, m_size.height)};
+    return CropDIB(*m_working, 0, 0, cut.width - 1, cut.height - 1);
+}
+
+const DibBlock& SourcePicture::Fitted(Size size, bool resample) {
+    auto& made = resample ? m_scaled : m_cut;
+    const auto key = std::make_pair(size.width, size.height);
+    const auto found = made.find(key);
+    return found != made.end() ? found->second : made.emplace(key, Make(size, resample)).first->second;
+}
+
+void SourcePicture::Prepare(std::span<const Size> sizes, unsigned jobs) {
+    // The map's nodes stay where they are, so each thread fills its own.
+    std::vector<std::pair<Size, DibBlock*>> missing;
+    for (const auto& size : sizes) {
+        const auto [node, added] = m_scaled.try_emplace(std::make_pair(size.width, size.height));
+        if (added) missing.emplace_back(size, &node->second);
+    }
+    ParallelFor(missing.size(), jobs, [&](std::size_t i) { *missing[i].second = Make(missing[i].first, true); });
+}
+
+} // namespace pelorin

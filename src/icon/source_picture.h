@@ -1,0 +1,40 @@
+// A picture on its way into several image formats: every size that is needed is scaled once.
+#pragma once
+
+#include "pixel/color.h"
+#include "pixel/dib.h"
+
+#include <map>
+
+namespace pelorin {
+
+class SourcePicture {
+public:
+    /// The block must outlive the object. Up to 8 bits it is expanded to 24; 15 and 16 likewise.
+    explicit SourcePicture(const DibBlock& block);
+
+    /// False for a block that cannot be read.
+    [[nodiscard]] bool Ok() const { return static_cast<bool>(m_working); }
+    [[nodiscard]] int SourceBits() const { return m_bits; }
+    [[nodiscard]] Size SourceSize() const { return m_size; }
+    /// The table of an indexed picture, empty otherwise.
+    [[nodiscard]] const CPalette& SourcePalette() const { return m_palette; }
+
+    /// The picture at 24 or 32 bpp, scaled to `size`; or, without `resample`, its top left part of at most that size.
+    /// Empty when that cannot be made. The reference holds until the object goes.
+    const DibBlock& Fitted(Size size, bool resample = true);
+    /// Scales to all these sizes ahead of time, on `jobs` threads (0: one a core).
+    void Prepare(std::span<const Size> sizes, unsigned jobs);
+
+private:
+    [[nodiscard]] DibBlock Make(Size size, bool resample) const;
+
+    DibBlock m_converted;
+    const DibBlock* m_working = nullptr;
+    int m_bits = 0;
+    Size m_size;
+    CPalette m_palette;
+    std::map<std::pair<int, int>, DibBlock> m_scaled, m_cut;
+};
+
+} // namespace pelorin
