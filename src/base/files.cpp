@@ -168,6 +168,11 @@ bool FolderExists(std::string_view path) {
     return Stat(path, info) && S_ISDIR(info.st_mode);
 }
 
+bool IsReadOnlyFile(std::string_view path) {
+    struct stat info;
+    return Stat(path, info) && (info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
+}
+
 std::uint64_t FileSize(std::string_view path) {
     struct stat info;
     return Stat(path, info) && S_ISREG(info.st_mode) ? static_cast<std::uint64_t>(info.st_size) : 0;

@@ -35,6 +35,8 @@ public:
 
 [[nodiscard]] bool FileExists(std::string_view path); ///< anything but a folder
 [[nodiscard]] bool FolderExists(std::string_view path);
+/// True when nobody may write the file.
+[[nodiscard]] bool IsReadOnlyFile(std::string_view path);
 [[nodiscard]] std::uint64_t FileSize(std::string_view path); ///< 0 when there is none
 /// True when both names lead to the same file or folder of the system.
 [[nodiscard]] bool SameFile(std::string_view a, std::string_view b);

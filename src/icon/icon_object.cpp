@@ -225,12 +225,16 @@ void CIconObject::ForgetSelection() {
     m_bFloating = false;
 }
 
+void CIconObject::DropFloating() {
+    if (!HasFloatingSelection()) return;
+    m_undo.Push(State());
+    MergeFloating(*this, m_bmpImage, m_bmpMask);
+    ForgetSelection();
+}
+
 bool CIconObject::ConvertPalette(const CPalette& palette) {
     if (m_nBitCount != 8 || palette.Empty() || palette == m_Palette) return false;
-    if (HasFloatingSelection()) {
-        MergeFloating(*this, m_bmpImage, m_bmpMask);
-        ForgetSelection();
-    }
+    DropFloating();
     const auto mapped =
         MapToPalette(DIB24FromSurface(m_bmpImage), palette.colors, static_cast<int>(palette.colors.size()), true);
     auto planes = SplitByColor(ConvertDIBTo24(mapped), kNoColor, 0);

@@ -94,6 +94,9 @@ public:
     /// when nothing changed.
     bool ConvertPalette(const CPalette& palette);
 
+    /// Merges a floating selection into the image, as a step that can be undone. Without one nothing happens.
+    void DropFloating();
+
     /// Everything that an undo step holds.
     [[nodiscard]] IconState State() const;
     void Restore(const IconState& state);
