@@ -47,10 +47,6 @@ class IconDoc : public ::testing::Test {
 protected:
     void SetUp() override {
         ResetSettings();
-        m_folder =
-            ::testing::TempDir() + "/icon_doc_" + ::testing::UnitTest::GetInstance()->current_test_info()->name();
-        std::filesystem::remove_all(m_folder);
-        std::filesystem::create_directories(m_folder);
         m_services.prompt = &m_prompt;
         m_services.dialogs = &m_dialogs;
     }
