@@ -117,11 +117,25 @@ void LoadSettings(const SettingsStore& store) {
 }
 
 void SaveSettings(SettingsStore& store) {
-    for (const auto& setting : AllSettings()) store.Write(setting.section, setting.key, StoredText(setting));
-    for (const auto& section : ListSettingNames()) WriteList(store, section, *FindListSetting(section));
+    for (const auto& setting : AllSettings()) StoreSetting(store, setting);
+    for (const auto& section : ListSettingNames()) StoreList(store, section);
 #define MAP(section, global) WriteMap(store, section, global);
 #include "core/settings.def"
     store.Commit();
+}
+
+void StoreSetting(SettingsStore& store, const Setting& setting) {
+    store.Write(setting.section, setting.key, StoredText(setting));
+}
+
+void StoreList(SettingsStore& store, const std::string& section) {
+    if (const auto* entries = FindListSetting(section)) WriteList(store, section, *entries);
+}
+
+void ForgetSetting(SettingsStore& store, const Setting& setting) {
+    store.Remove(setting.section, setting.key);
+    if (!setting.oldSection.empty()) store.Remove(setting.oldSection, setting.key);
+    TakeStoredText(setting, DefaultStored(setting));
 }
 
 void ResetSettings() {

@@ -17,6 +17,7 @@ namespace pelorin {
 
 class SettingsStore;
 class StandardFolders;
+struct Setting;
 
 #define FLAG(section, key, global, value) extern bool global;
 #define NUMBER(section, key, global, value, least, most) extern int global;
@@ -46,6 +47,11 @@ struct InterfaceColors {
 void LoadSettings(const SettingsStore& store);
 /// Writes every option and commits. Throws `FileException`.
 void SaveSettings(SettingsStore& store);
+/// Writes one option, or one list, and does not commit.
+void StoreSetting(SettingsStore& store, const Setting& setting);
+void StoreList(SettingsStore& store, const std::string& section);
+/// Takes the option out of the store, wherever it stands, and puts it at its default. Does not commit.
+void ForgetSetting(SettingsStore& store, const Setting& setting);
 /// Puts every option at its default.
 void ResetSettings();
 

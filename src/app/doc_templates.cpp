@@ -1,0 +1,28 @@
+#include "app/doc_templates.h"
+
+namespace pelorin {
+
+namespace {
+
+struct TemplateRow {
+    DocKind kind;
+    CDocTemplate::Factory factory; ///< null: no documents of this kind here
+    bool macintosh = false;
+};
+
+constexpr TemplateRow kTemplates[kDocKindCount] = {
+    {DocKind::Icon, nullptr},     {DocKind::MacIcon, nullptr, true}, {DocKind::Library, nullptr},
+    {DocKind::Explorer, nullptr}, {DocKind::Browser, nullptr},       {DocKind::Search, nullptr},
+    {DocKind::Program, nullptr},  {DocKind::Image, nullptr},         {DocKind::ImageObject, nullptr},
+};
+
+} // namespace
+
+void RegisterDocTemplates(CPelorinApp& app) {
+    for (const auto& row : kTemplates) {
+        app.AddDocTemplate(
+            std::make_unique<CDocTemplate>(app.GetServices(), InfoOf(row.kind).stringId, row.factory, row.macintosh));
+    }
+}
+
+} // namespace pelorin

@@ -1,0 +1,84 @@
+#include "app/doc_templates.h"
+#include "app/open_report.h"
+#include "app/system_hooks.h"
+#include "core/user_prompt.h"
+#include "icon/icon_list_content.h"
+#include "support/temp_folder.h"
+
+#include <gtest/gtest.h>
+
+namespace pelorin {
+namespace {
+
+struct ThreeIcons final : OpenHooks {
+    std::unique_ptr<IconListContent> ReadIconList(const std::string&) override {
+        auto icons = std::make_unique<IconGroupList>();
+        icons->m_arrIcons.resize(3);
+        return icons;
+    }
+    bool HasMacintoshIcon(const std::string&) override { return true; }
+};
+
+TEST(OpenReport, SaysWhatWouldHappen) {
+    const test::TempFolder folder;
+    for (const char* name : {"a.ico", "a.icns", "a.ocx", "a.htm", "a.png", "a.xyz", "a.plp"}) folder.File(name, "x");
+    const struct {
+        std::string text, action, receiver, described;
+    } cases[] = {
+        {folder.Path("a.ico"), "open", "icon", "icon (Windows Icon File)"},
+        {"\"" + folder.Path("a.ico") + "\"", "open", "icon", "icon (Windows Icon File)"},
+        {folder.Path("a.icns"), "open", "icon library", "icon library (Apple Macintosh Icon, 3 icons)"},
+        {folder.Path(), "open", "explorer", "explorer"},
+        {folder.Path("a.png"), "open", "image", "image (Portable Network Graphic)"},
+        {folder.Path("a.ocx"), "nothing", "", "nothing opens files of this kind (ActiveX Control)"},
+        {folder.Path("a.plp"), "transfer", "", "a picture handed over by a plug-in"},
+        {folder.Path("a.htm"), "viewer", "", "the program that is set for this kind of file (Internet Web HTML File)"},
+        {folder.Path("new.icl"), "create", "icon library",
+         "icon library (Vantrel Icon Library, new, if you agree to make it)"},
+        {"www.example.org", "system", "", "the system's own program for addresses"},
+        {"some phrase", "search", "", "a search in the web"},
+        {" ", "refuse", "", "You must specify a string to perform the Internet search."},
+        {"gone.png", "refuse", "",
+         "The file \"gone.png\" cannot be opened or is not found. Please check pathname and try again."},
+        {folder.Path("a.xyz"), "refuse", "",
+         "The file \"" + folder.Path("a.xyz") +
+             "\" cannot be opened.\nThis file type is not supported by Vantrel Pelorin."},
+    };
+    ThreeIcons hooks;
+    for (const auto& c : cases) {
+        const auto report = ReportOpen(c.text, {}, hooks);
+        EXPECT_EQ(report.action, c.action) << c.text;
+        EXPECT_EQ(report.receiver, c.receiver) << c.text;
+        EXPECT_EQ(DescribeOpen(report), c.described) << c.text;
+    }
+}
+
+// What has no reader is no reason to fall: a Macintosh file that cannot be read has no list of icons.
+TEST(OpenReport, FilesThatCannotBeReadHaveNoIcons) {
+    const test::TempFolder folder;
+    SystemHooks hooks;
+    for (const char* name : {"a.icns", "a.bin", "a.icontainer", "a.rsrc"}) {
+        EXPECT_EQ(hooks.ReadIconList(folder.File(name, "rubbish")), nullptr) << name;
+        EXPECT_FALSE(hooks.HasMacintoshIcon(folder.Path(name))) << name;
+    }
+    EXPECT_EQ(hooks.ReadIconList(folder.Path("missing.icns")), nullptr);
+}
+
+TEST(DocTemplates, StandInTheOrderOfTheirKinds) {
+    ScriptedPrompt prompt;
+    Services services;
+    services.prompt = &prompt;
+    CPelorinApp app(services, {});
+    RegisterDocTemplates(app);
+    ASSERT_EQ(app.GetTemplateCount(), kDocKindCount);
+    std::string ids;
+    for (int i = 0; i < kDocKindCount; ++i) {
+        const auto& row = app.GetTemplate(static_cast<DocKind>(i));
+        EXPECT_EQ(row.IsMacintosh(), i == 1);
+        ids += std::to_string(row.GetStringId()) + " ";
+    }
+    EXPECT_EQ(ids, "101 113 104 110 112 111 105 109 114 ");
+}
+
+} // namespace
+} // namespace pelorin
