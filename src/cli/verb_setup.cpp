@@ -147,6 +147,13 @@ CommandParser::~CommandParser() = default;
 
 namespace {
 
+// What the parser could not place; the mark behind which nothing is an option is among it, and harmless.
+std::vector<std::string> Extras(const CLI::App& app) {
+    auto extras = app.remaining();
+    std::erase(extras, "--");
+    return extras;
+}
+
 [[noreturn]] void RefuseExtra(const CLI::App& app, const std::vector<std::string>& extras) {
     for (const auto& extra : extras) {
         if (extra.size() < 2 || extra[0] != '-') continue;
@@ -171,10 +178,10 @@ CommandParser::Wish CommandParser::Parse(const std::vector<std::string>& argumen
         return Wish::Help;
     } catch (const CLI::ParseError& error) {
         // A mistyped option explains more than the input that it swallowed.
-        if (!app.remaining().empty()) RefuseExtra(app, app.remaining());
+        if (const auto extras = Extras(app); !extras.empty()) RefuseExtra(app, extras);
         throw UsageError(error.what());
     }
-    if (!app.remaining().empty()) RefuseExtra(app, app.remaining());
+    if (const auto extras = Extras(app); !extras.empty()) RefuseExtra(app, extras);
     if (m_impl->yes && m_impl->no) throw UsageError("--yes and --no exclude each other");
     auto& common = m_impl->common;
     if (m_impl->yes || m_impl->no) common.answer = m_impl->yes;

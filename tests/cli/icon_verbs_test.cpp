@@ -171,6 +171,10 @@ TEST_F(IconVerbs, InfoTellsWhatIsOdd) {
     }
 }
 
+TEST_F(IconVerbs, AnInterruptEndsWith130) {
+    EXPECT_EQ(Run({"list", "-"}, "sleep 2 | timeout --preserve-status -s INT 0.3").exitCode, 130);
+}
+
 TEST_F(IconVerbs, AFullDiskLeavesTheOldFile) {
     Put("in.ico", BuildIco({{.image = PlainIconBlock(256, 256, 32)}}));
     Put("out.ico", {1, 2, 3});
