@@ -4,16 +4,26 @@
 
 namespace pelorin {
 
-OctreeQuantizer::OctreeQuantizer(unsigned maxColors) : m_maxColors(maxColors) {
+namespace {
+
+// The highest `level` of 5 bits in each channel of a cell.
+unsigned CellMask(unsigned level) {
+    const unsigned channel = 0x1F & ~(0x1Fu >> level);
+    return channel << 10 | channel << 5 | channel;
+}
+
+} // namespace
+
+OctreeQuantizer::OctreeQuantizer(unsigned maxColors) : m_leafOfCell(std::size_t{1} << 15), m_maxColors(maxColors) {
     const std::size_t capacity = 1 + (kLevels + 1) * (std::size_t{maxColors} + 1);
     m_nodes.resize(capacity);
     m_sums.resize(capacity);
     for (std::size_t i = 1; i + 1 < capacity; ++i) m_nodes[i].next = static_cast<NodeId>(i + 1);
     m_free = 1;
-    m_root = NewNode(0);
+    m_root = NewNode(0, 0);
 }
 
-OctreeQuantizer::NodeId OctreeQuantizer::NewNode(unsigned level) {
+OctreeQuantizer::NodeId OctreeQuantizer::NewNode(unsigned level, unsigned cell) {
     const NodeId id = m_free;
     m_free = std::exchange(m_nodes[id], Node{}).next;
     m_sums[id] = Sums{};
@@ -23,20 +33,22 @@ OctreeQuantizer::NodeId OctreeQuantizer::NewNode(unsigned level) {
         ++m_leafCount;
     } else {
         node.next = std::exchange(m_reducible[level], id);
+        node.mask = static_cast<std::uint16_t>(CellMask(level));
+        node.path = static_cast<std::uint16_t>(cell & node.mask);
     }
     return id;
 }
 
-void OctreeQuantizer::FindLeaf(unsigned red, unsigned green, unsigned blue, unsigned key) {
+OctreeQuantizer::NodeId OctreeQuantizer::FindLeaf(unsigned red, unsigned green, unsigned blue, unsigned cell) {
     NodeId at = m_root;
     for (unsigned level = 0; !m_nodes[at].leaf; ++level) {
         const unsigned bit = 7 - level;
         auto& child = m_nodes[at].child[(red >> bit & 1) << 2 | (green >> bit & 1) << 1 | (blue >> bit & 1)];
-        if (child == 0) child = NewNode(level + 1);
+        if (child == 0) child = NewNode(level + 1, cell);
         at = child;
     }
-    m_lastLeaf = at;
-    m_lastKey = key;
+    m_leafOfCell[cell] = at;
+    return at;
 }
 
 bool OctreeQuantizer::MergeNewestOfDeepestLevel() {
@@ -54,11 +66,13 @@ bool OctreeQuantizer::MergeNewestOfDeepestLevel() {
         sums.red += part.red;
         sums.green += part.green;
         sums.blue += part.blue;
+        m_nodes[child].leafOf = kNoCells;
         m_nodes[child].next = std::exchange(m_free, child);
         child = 0;
         --m_leafCount;
     }
     node.leaf = true;
+    node.leafOf = node.path;
     ++m_leafCount;
     return true;
 }
@@ -66,7 +80,6 @@ bool OctreeQuantizer::MergeNewestOfDeepestLevel() {
 void OctreeQuantizer::Reduce() {
     while (m_leafCount > m_maxColors && MergeNewestOfDeepestLevel()) {
     }
-    m_lastKey = kNoKey; // the leaf may have gone into its parent
 }
 
 ColorTable OctreeQuantizer::Table() const {

@@ -16,9 +16,10 @@ public:
 
     /// Counts one pixel and reduces the tree until it has no more than `maxColors` leaves.
     void Add(unsigned red, unsigned green, unsigned blue) {
-        const unsigned key = (red & 0xFC) << 16 | (green & 0xFC) << 8 | (blue & 0xFC);
-        if (key != m_lastKey) FindLeaf(red, green, blue, key);
-        auto& sums = m_sums[m_lastLeaf];
+        const unsigned cell = (red & 0xF8) << 7 | (green & 0xF8) << 2 | blue >> 3;
+        NodeId leaf = m_leafOfCell[cell];
+        if ((cell & m_nodes[leaf].mask) != m_nodes[leaf].leafOf) leaf = FindLeaf(red, green, blue, cell);
+        auto& sums = m_sums[leaf];
         ++sums.pixels;
         sums.red += red;
         sums.green += green;
@@ -33,28 +34,32 @@ public:
 private:
     using NodeId = std::uint16_t; // 0 is no node
     static constexpr unsigned kLevels = 6;
-    static constexpr unsigned kNoKey = 0xFFFFFFFF;
+    static constexpr std::uint16_t kNoCells = 0xFFFF;
 
     struct Node {
         std::array<NodeId, 8> child{};
         NodeId next = 0; // the list of inner nodes of a level, newest first, or the list of free nodes
         bool leaf = false;
+        // The cells of 5 bits a channel under this node, down to the fifth level: those with cell & mask == path.
+        std::uint16_t mask = 0, path = 0;
+        std::uint16_t leafOf = kNoCells; // path where the node is a leaf, and a value that no cell has elsewhere
     };
     // 64 bits, so that no picture of the permitted size overflows them.
     struct Sums {
         std::uint64_t pixels = 0, red = 0, green = 0, blue = 0;
     };
 
-    NodeId NewNode(unsigned level);
-    void FindLeaf(unsigned red, unsigned green, unsigned blue, unsigned key);
+    NodeId NewNode(unsigned level, unsigned cell);
+    NodeId FindLeaf(unsigned red, unsigned green, unsigned blue, unsigned cell);
     void Reduce();
     bool MergeNewestOfDeepestLevel();
 
     std::vector<Node> m_nodes;
     std::vector<Sums> m_sums;
     std::array<NodeId, kLevels> m_reducible{};
-    NodeId m_free = 0, m_root = 0, m_lastLeaf = 0;
-    unsigned m_lastKey = kNoKey;
+    // The leaf last met in each cell. It need not be one any longer: the node itself tells.
+    std::vector<NodeId> m_leafOfCell;
+    NodeId m_free = 0, m_root = 0;
     unsigned m_leafCount = 0, m_maxColors;
 };
 
