@@ -160,10 +160,12 @@ TEST(Bmp, WriterLaysOutTheBlock) {
     EXPECT_TRUE(file.empty());
 }
 
-TEST(Bmp, FileOfRunLengthsOrMasksKeepsItsRows) {
+TEST(Bmp, AlphaIsWrittenWithoutMasks) {
     const auto masks = MakeFile({1, 1, 32, 3, 0, 66}, {0, 0, 255, 0, 0, 255, 0, 0, 255, 0, 0, 0, 1, 2, 3, 4});
     Bytes again;
     ASSERT_EQ(WriteBmp(ReadRawBmp(masks), {}, again), 0);
+    EXPECT_EQ(again.size(), 14u + 40 + 4);
+    EXPECT_EQ(LoadU32LE(&again[30]), 0u);
     EXPECT_EQ(At(Read(again), 0, 0), 0x04030201u);
 }
 

@@ -1,0 +1,46 @@
+// Pictures in and out of files, with the options that every verb on pictures shares.
+#pragma once
+
+#include "cli/run.h"
+#include "cli/syntax.h"
+#include "formats/picture_reader.h"
+#include "formats/picture_writer.h"
+
+namespace pelorin::cli {
+
+/// Which picture of a file.
+struct PictureInput {
+    int frame = 1;
+    std::string layer; ///< number from 1, or name; empty: the composite
+    bool composite = false;
+
+    void Declare(VerbSetup& setup);
+};
+
+/// The picture of the file, with what the reader told. Throws `FileException` with the reason when there is none.
+[[nodiscard]] DibBlock ReadPictureInput(Run& run, const std::string& file, const PictureInput& input,
+                                        PictureFacts& facts);
+/// Only what the reader tells; a small picture is decoded where that is quicker.
+[[nodiscard]] PictureFacts ReadPictureFacts(const std::string& file);
+
+/// How a picture is written; what is not given comes from the settings.
+struct PictureOutput {
+    std::optional<int> as; ///< file kind
+    std::optional<int> quality, lossy;
+    std::optional<int> gifColors, gifThreshold;
+    std::optional<PaletteKind> gifPalette;
+    std::optional<Color> gifMatte, background;
+    bool gifNoDither = false, gifOpaque = false;
+
+    void Declare(VerbSetup& setup);
+    /// The file kind to write: `--as`, else that of the output's name, else that of `input` when it can be written,
+    /// else PNG. Throws `UsageError` for a name of a kind that is not written.
+    [[nodiscard]] int KindFor(const Run& run, const std::string& input, bool several) const;
+};
+
+/// Writes the picture by the rules of `OutputPath`, at a depth that the format takes: transparency is composed on the
+/// background where the format has none. Throws `FileException`. Returns the path.
+std::string WritePictureOutput(Run& run, const std::string& input, std::string_view suffix, const DibBlock& picture,
+                               const PictureOutput& output, bool several);
+
+} // namespace pelorin::cli
