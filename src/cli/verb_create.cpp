@@ -1,11 +1,12 @@
 #include "base/text.h"
 #include "cli/output.h"
+#include "cli/text_table.h"
 #include "cli/verb.h"
 #include "core/file_kinds.h"
 #include "core/settings.h"
 #include "formats/load_file.h"
 #include "icon/from_image.h"
-#include "icon/ico_file.h"
+#include "icon/icon_file_forms.h"
 #include "icon/standard_formats.h"
 #include "pixel/depth.h"
 
@@ -139,18 +140,29 @@ std::string Summary(const std::string& path, const CIconGroup& group, std::size_
         sides.insert(icon->m_nWidth);
         depths.insert(icon->BitCount());
     }
-    return fmt::format("{}  {} format{}, {} KB  ({} at {} bits)", path, group.GetCount(),
-                       group.GetCount() == 1 ? "" : "s", (bytes + 1023) / 1024, Joined(sides), Joined(depths));
+    return fmt::format("{}  {} format{}, {}  ({} at {} bits)", Printable(path), group.GetCount(),
+                       group.GetCount() == 1 ? "" : "s", BytesText(bytes), Joined(sides), Joined(depths));
+}
+
+// The form that the icons are written in: told by -o where that names a file, else by the system.
+const IconFileForm& WantedForm(const CreateOptions& options, const std::string& output) {
+    const auto* named = FindIconFileForm(GetFileKind(output));
+    if (named != nullptr && (named->macintosh || !options.macintosh)) return *named;
+    const auto* form = FindIconFileForm(options.macintosh ? kKindIcns : kKindIco);
+    if (form == nullptr) throw UsageError("this program was built without Macintosh icons");
+    return *form;
 }
 
 void CreateOne(Run& run, const std::string& picture, const CreateOptions& options, const FromImageOptions& making,
-               std::span<const SizeArt> art) {
+               std::span<const SizeArt> art, const IconFileForm& form) {
     const auto source = ReadSource(picture, options);
     auto formats = CreateFormats(source, art, making);
     if (formats.empty()) throw FileException("no format could be made of this picture");
     auto group = GroupOf(formats, g_bWinExplorerCompatibleOrder);
-    const auto bytes = BuildIcoFile(group);
-    const auto path = OutputPath(run, picture, "", "ico", options.pictures.size() > 1);
+    group.m_nInfo = options.macintosh ? 1 : 0;
+    const auto bytes = form.write(group);
+    if (bytes.empty()) throw FileException("the icon cannot be kept in a file of this kind");
+    const auto path = OutputPath(run, picture, "", form.extension, options.pictures.size() > 1);
     WriteOutput(run, path, bytes);
     if (path != "-") run.Note(Summary(path, group, bytes.size()));
 }
@@ -185,11 +197,13 @@ VerbAction SetUpCreate(VerbSetup& setup) {
                  "  pelorin-cli create photos/*.jpg -o icons/ --preset modern\n"
                  "  pelorin-cli create logo.png --per-size 16=small.png --formats 256x256x32,32x32x32,16x16x32");
     return [options](Run& run) {
+        const auto& form = WantedForm(*options, run.Options().output);
+        options->macintosh = form.macintosh;
         const auto making = MakingOptions(*options, run);
         std::vector<SizeArt> art;
         if (!run.Attempt("--per-size", [&] { art = ReadArt(*options); })) return;
         run.ForEachAtOnce("icons", options->pictures, [&](const std::string& picture) {
-            CreateOne(run, picture, *options, making, art);
+            CreateOne(run, picture, *options, making, art, form);
             return std::string();
         });
     };

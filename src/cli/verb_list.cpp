@@ -115,4 +115,8 @@ VerbAction SetUpList(VerbSetup& setup) {
     return [files](Run& run) { run.Options().json ? ListAsJson(run, *files) : ListAsText(run, *files); };
 }
 
+VerbAction SetUpFormatList(VerbSetup& setup) {
+    return SetUpList(setup);
+}
+
 } // namespace pelorin::cli
