@@ -2,9 +2,13 @@
 
 #include "core/file_kinds.h"
 #include "formats/bmp.h"
+#include "formats/gif.h"
+#include "formats/iff.h"
 #include "formats/jpeg.h"
 #include "formats/jpeg2000.h"
+#include "formats/pcx.h"
 #include "formats/png.h"
+#include "formats/tga.h"
 #include "formats/tiff.h"
 
 #include <deque>
@@ -17,9 +21,14 @@ namespace {
 std::deque<PictureFormat>& Formats() {
     static std::deque<PictureFormat> formats = {
         {kKindBmp, "BMP", IsBmp, ReadBmp},
+        {kKindGif, "GIF", IsGif, ReadGif},
+        {kKindIff, "IFF", IsIff, ReadIff},
         {kKindJpeg, "JPEG", IsJpeg, ReadJpeg},
         {kKindJpeg2000, "JPEG 2000", IsJpeg2000, ReadJpeg2000},
+        {kKindLbm, "LBM", IsIff, ReadIff},
+        {kKindPcx, "PCX", IsPcx, ReadPcx},
         {kKindPng, "PNG", IsPng, ReadPng},
+        {kKindTga, "TGA", IsTga, ReadTga},
         {kKindTiff, "TIFF", IsTiff, ReadTiff},
     };
     return formats;

@@ -1,0 +1,6 @@
+#include "formats/tga.h"
+#include "picture_harness.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    return pelorin::FuzzPictureReader(pelorin::ReadTga, {data, size});
+}
