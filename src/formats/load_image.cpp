@@ -1,11 +1,18 @@
 #include "formats/load_image.h"
 
 #include "core/file_kinds.h"
+#include "formats/gif.h"
+#include "formats/iff.h"
 #include "formats/bmp.h"
 #include "formats/gif.h"
 #include "formats/iff.h"
 #include "formats/jpeg.h"
 #include "formats/jpeg2000.h"
+#include "formats/pcd.h"
+#include "formats/pcx.h"
+#include "formats/png.h"
+#include "formats/tga.h"
+#include "formats/tiff.h"
 #include "formats/pcx.h"
 #include "formats/png.h"
 #include "formats/tga.h"
@@ -26,6 +33,7 @@ std::deque<PictureFormat>& Formats() {
         {kKindJpeg, "JPEG", IsJpeg, ReadJpeg},
         {kKindJpeg2000, "JPEG 2000", IsJpeg2000, ReadJpeg2000},
         {kKindLbm, "LBM", IsIff, ReadIff},
+        {kKindPcd, "Photo CD", IsPcd, ReadPcd},
         {kKindPcx, "PCX", IsPcx, ReadPcx},
         {kKindPng, "PNG", IsPng, ReadPng},
         {kKindTga, "TGA", IsTga, ReadTga},
