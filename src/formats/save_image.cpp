@@ -5,6 +5,7 @@
 #include "core/file_kinds.h"
 #include "core/user_prompt.h"
 #include "formats/bmp.h"
+#include "formats/gif.h"
 #include "formats/jpeg.h"
 #include "formats/jpeg2000.h"
 #include "formats/png.h"
@@ -21,6 +22,7 @@ constexpr std::uint64_t Depths(std::initializer_list<int> bits) {
 
 constexpr PictureSaver kSavers[] = {
     {kKindBmp, "BMP", "bmp", WriteBmp, Depths({1, 4, 8, 15, 16, 24, 32}), 4},
+    {kKindGif, "GIF", "gif", WriteGif, Depths({1, 4, 8, 24, 32}), 4},
     {kKindJpeg, "JPEG", "jpg", WriteJpeg, Depths({1, 4, 8, 24}), 2, true},
     {kKindJpeg2000, "JPEG 2000", "jp2", WriteJpeg2000, Depths({1, 4, 8, 24, 32}), 1},
     {kKindPng, "PNG", "png", WritePng, Depths({1, 4, 8, 24, 32}), 1},

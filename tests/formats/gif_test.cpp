@@ -146,6 +146,78 @@ TEST(Gif, ASmallScreenGrowsAndAHugeOneIsRefused) {
     EXPECT_FALSE(ReadCopy(ReadGif, MakeGif({1, 1}, {})));
 }
 
+Bytes Write(const DibBlock& block, const GifSaveOptions& gif) {
+    PictureSaveOptions options;
+    options.gif = gif;
+    Bytes file;
+    EXPECT_EQ(WriteGif(block, options, file), 0);
+    return file;
+}
+
+TEST(GifWriter, IndexedBlocksStayAsTheyAre) {
+    auto block = CreateDIB(3, 2, 8);
+    const std::vector<Rgb> table = {kRed, kGreen, kBlue, kWhite, 0x123456};
+    SetDIBTable(block, table);
+    const DibRows rows(block);
+    for (int i = 0; i < 6; ++i) rows.PictureRow(i / 3)[i % 3] = static_cast<std::uint8_t>(i % 5);
+    struct Case {
+        GifSaveOptions options;
+        std::string_view version;
+        int transparent, bits;
+    };
+    Case cases[] = {{{}, "GIF87a", -1, 8}, {{}, "GIF89a", 3, 3}};
+    cases[1].options.colors = 8;
+    cases[1].options.transparentIndex = 3;
+    for (const auto& c : cases) {
+        const auto file = Write(block, c.options);
+        EXPECT_EQ(AsText(ByteSpan(file).first(6)), c.version);
+        PictureFacts facts;
+        const auto again = ReadGif(file, {}, facts);
+        ASSERT_EQ(DIBBitCount(again), 8);
+        for (int i = 0; i < 6; ++i) {
+            EXPECT_EQ(DibView(again).PictureRow(i / 3)[i % 3], i % 5);
+            EXPECT_EQ(At(again, i % 3, i / 3), At(block, i % 3, i / 3));
+        }
+        EXPECT_EQ(facts.transparentIndex, c.transparent);
+        EXPECT_EQ(facts.paletteBits, c.bits);
+    }
+}
+
+TEST(GifWriter, AlphaBelowTheThresholdIsTransparentAndTheRestLiesOnTheMatte) {
+    const auto block = test::Picture32(4, {0xFFFF0000, 0x80000000, 0x77FF0000, 0x00123456});
+    GifSaveOptions options;
+    options.dither = false;
+    options.matte = kWhite;
+    PictureFacts facts;
+    auto again = ReadGif(Write(block, options), {}, facts);
+    EXPECT_EQ(At(again, 0, 0), 0xFFFF0000u);
+    EXPECT_EQ(At(again, 1, 0), 0xFF7F7F7Fu);
+    EXPECT_EQ(facts.transparentIndex, 255);
+    EXPECT_EQ(DibView(again).Row(0)[2], 255);
+    EXPECT_EQ(DibView(again).Row(0)[3], 255);
+
+    options.transparency = false;
+    options.palette = PaletteKind::WebSafe;
+    facts = {};
+    again = ReadGif(Write(block, options), {}, facts);
+    EXPECT_EQ(facts.transparentIndex, -1);
+    EXPECT_EQ(At(again, 2, 0), 0xFFFF9999u) << "119 of 255 red on white is 255, 136, 136";
+    EXPECT_EQ(At(again, 3, 0), 0xFFFFFFFFu);
+}
+
+TEST(GifWriter, APaletteOfItsOwnSize) {
+    auto block = CreateDIB(64, 1, 24);
+    for (int x = 0; x < 64; ++x) DibRows(block).Row(0)[3 * x + 1] = static_cast<std::uint8_t>(4 * x);
+    GifSaveOptions options;
+    options.colors = 16;
+    PictureFacts facts;
+    ASSERT_TRUE(ReadGif(Write(block, options), {}, facts));
+    EXPECT_EQ(facts.paletteBits, 4);
+    Bytes out;
+    EXPECT_EQ(WriteGif({}, {}, out), 20);
+    EXPECT_EQ(WriteGif(DibBlock::FromBytes(block.Span().first(60)), {}, out), 3);
+}
+
 TEST(Gif, SurvivesDamage) {
     const auto file = MakeGif({3, 2}, {{{0, 0, 3, 2}, {0, 1, 2, 3, 2, 1}, 3, 1, 2, true},
                                        {{1, 0, 2, 1}, {3}, 2, 0, -1, false, {1, 2, 3, 4}}});
