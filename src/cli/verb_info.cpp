@@ -16,6 +16,7 @@ namespace {
 struct FileInfo {
     std::string kind, typeName;
     std::size_t bytes = 0;
+    bool damaged = false; ///< its icons cannot be opened
     IconFileReport report;
 };
 
@@ -33,14 +34,13 @@ void InspectPicture(ByteSpan file, int kind, FileInfo& info) {
 
 void CountIcons(ByteSpan file, const IconSource& source, FileInfo& info) {
     int icons = 0, formats = 0;
-    const bool good = source.visit(file, [&](CIconGroup& group) {
+    info.damaged = !source.visit(file, [&](CIconGroup& group) {
         ++icons;
         formats += group.GetCount();
         return true;
     });
     info.report.facts.emplace_back("icons", fmt::format("{}", icons));
     info.report.facts.emplace_back("formats", fmt::format("{}", formats));
-    if (!good) info.report.oddities.emplace_back("it cannot be opened: an image is missing or damaged");
 }
 
 FileInfo Inspect(const std::string& path) {
@@ -105,6 +105,7 @@ VerbAction SetUpInfo(VerbSetup& setup) {
             } else {
                 run.Print(Text(file, info));
             }
+            if (info.damaged) throw FileException("it cannot be opened: an image is missing or damaged");
         });
         json.EndArray();
         if (run.Options().json) run.Print(json.Take());

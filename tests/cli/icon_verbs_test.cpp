@@ -169,6 +169,12 @@ TEST_F(IconVerbs, InfoTellsWhatIsOdd) {
           "the directory says 8 bits, the image 32", "cut off", "the name says \"Windows Static Cursor File\""}) {
         EXPECT_THAT(result.out, HasSubstr(text));
     }
+    // What cannot be opened is told as far as it goes, and is a failure.
+    Put("bad.ico", BuildIco({{.image = Bytes(50)}}));
+    const auto bad = Run({"info", "bad.ico"});
+    EXPECT_EQ(bad.exitCode, 1);
+    EXPECT_THAT(bad.out, HasSubstr("there is no image at its place"));
+    EXPECT_THAT(bad.err, StartsWith("pelorin-cli: bad.ico: "));
 }
 
 TEST_F(IconVerbs, AnInterruptEndsWith130) {
