@@ -1,8 +1,14 @@
 #include "app/doc_templates.h"
 
+#include "app/picture_settings.h"
+
 namespace pelorin {
 
 namespace {
+
+std::unique_ptr<CDocument> NewPicture(Services& services) {
+    return std::make_unique<CDibDoc>(services, PictureSettings(), nullptr);
+}
 
 struct TemplateRow {
     DocKind kind;
@@ -13,7 +19,7 @@ struct TemplateRow {
 constexpr TemplateRow kTemplates[kDocKindCount] = {
     {DocKind::Icon, nullptr},     {DocKind::MacIcon, nullptr, true}, {DocKind::Library, nullptr},
     {DocKind::Explorer, nullptr}, {DocKind::Browser, nullptr},       {DocKind::Search, nullptr},
-    {DocKind::Program, nullptr},  {DocKind::Image, nullptr},         {DocKind::ImageObject, nullptr},
+    {DocKind::Program, nullptr},  {DocKind::Image, NewPicture},      {DocKind::ImageObject, nullptr},
 };
 
 } // namespace
