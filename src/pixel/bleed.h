@@ -19,18 +19,18 @@ public:
     [[nodiscard]] const std::uint8_t* Row(int y) override;
 
 private:
-    // Sums of one column over the rows of the window: blue, green, red, count.
-    struct Sums {
-        std::uint16_t value[4];
-    };
     void MoveWindow(int y);
-    void AddRow(int y, std::uint16_t sign);
+    const std::uint8_t* VisibleRow(int y);
+    void AddRow(int y);
+    void RemoveRow(int y);
     void FillRow(const std::uint8_t* from);
+    void FillRun(int from, int to);
 
     DibView m_picture;
     int m_low = 0, m_high = 0; // rows that m_columns holds
-    std::vector<Sums> m_columns;
-    Bytes m_row;
+    // Four sums a column over the rows of the window: blue, green and red of the visible pixels and their number.
+    std::vector<std::uint16_t> m_columns;
+    Bytes m_visible, m_row;
 };
 
 } // namespace pelorin

@@ -1,5 +1,6 @@
 #include "pixel/convolve.h"
 
+#include <array>
 #include <cstdlib>
 
 namespace pelorin {
@@ -54,19 +55,16 @@ struct Reciprocal {
     }
 };
 
-// The source rows of a window as 16-bit values with the edge pixels repeated on both sides.
+// The source rows of an N x N window as 16-bit values with the edge pixels repeated on both sides.
+template <int N>
 class PaddedRows {
 public:
-    PaddedRows(const Surface& source, const ConvolutionKernel& kernel)
-        : m_source(source),
-          m_before(kernel.nWidth / 2),
-          m_after(kernel.nWidth - 1 - m_before),
-          m_slots(static_cast<std::size_t>(kernel.nHeight)) {}
+    explicit PaddedRows(const Surface& source) : m_source(source) {}
 
-    // Row `y`, held to the picture; good as long as no row is asked for that is a window's height away.
+    // Row `y`, held to the picture; good as long as no row is asked for that is N rows away.
     const std::int16_t* Row(int y) {
         y = std::clamp(y, 0, m_source.Height() - 1);
-        auto& slot = m_slots[static_cast<std::size_t>(y) % m_slots.size()];
+        auto& slot = m_slots[static_cast<std::size_t>(y) % N];
         if (slot.row != y) Load(slot, y);
         return slot.values.data();
     }
@@ -80,44 +78,20 @@ private:
     void Load(Slot& slot, int y) {
         slot.row = y;
         const auto lanes = m_source.Stride();
-        slot.values.resize(lanes + static_cast<std::size_t>(m_before + m_after) * 4);
+        slot.values.resize(lanes + 4 * (N - 1));
         const auto* from = m_source.Row(y);
         auto* to = slot.values.data();
-        for (int i = 0; i < m_before; ++i, to += 4) std::copy_n(from, 4, to);
+        for (int i = 0; i < N / 2; ++i, to += 4) std::copy_n(from, 4, to);
         for (std::size_t i = 0; i < lanes; ++i) to[i] = from[i];
         to += lanes;
-        for (int i = 0; i < m_after; ++i, to += 4) std::copy_n(from + lanes - 4, 4, to);
+        for (int i = 0; i < N / 2; ++i, to += 4) std::copy_n(from + lanes - 4, 4, to);
     }
 
     const Surface& m_source;
-    int m_before, m_after;
-    std::vector<Slot> m_slots;
+    std::array<Slot, N> m_slots;
 };
 
 constexpr std::size_t kLanes = 256; // values that are worked on together, few enough to stay near
-
-void SumTaps(PaddedRows& rows, const ConvolutionKernel& kernel, const std::vector<Tap>& taps, int y, std::size_t from,
-             std::size_t count, std::int16_t* sums) {
-    std::fill_n(sums, kLanes, std::int16_t{0});
-    for (const auto& tap : taps) {
-        const auto* p = rows.Row(y - kernel.nHeight / 2 + tap.row) + std::ptrdiff_t{4} * tap.column + from;
-        const auto weight = static_cast<std::int16_t>(tap.weight);
-        for (std::size_t i = 0; i < count; ++i) sums[i] = static_cast<std::int16_t>(sums[i] + p[i] * weight);
-    }
-}
-
-void Divide(std::int16_t* values, std::size_t count, const Reciprocal& by, int bias) {
-    if (by.factor != 0) {
-        for (std::size_t i = 0; i < count; ++i) {
-            const auto sign = static_cast<std::int16_t>(values[i] >> 15);
-            const auto magnitude = static_cast<std::uint16_t>((values[i] ^ sign) - sign);
-            const auto quotient = static_cast<std::uint16_t>((std::uint32_t{magnitude} * by.factor >> 16) >> by.shift);
-            values[i] = static_cast<std::int16_t>((quotient ^ sign) - sign);
-        }
-    }
-    if (bias == 0) return;
-    for (std::size_t i = 0; i < count; ++i) values[i] = static_cast<std::int16_t>(values[i] + bias);
-}
 
 void Blend(std::int16_t* values, const std::uint8_t* original, std::size_t count, int blend) {
     for (std::size_t i = 0; i < count; ++i) {
@@ -125,25 +99,99 @@ void Blend(std::int16_t* values, const std::uint8_t* original, std::size_t count
     }
 }
 
-void FilterInWords(const Surface& bitmap, const ConvolutionKernel& kernel, const std::vector<Tap>& taps, int blend,
-                   Surface& result) {
-    PaddedRows rows(bitmap, kernel);
-    const Reciprocal reciprocal(kernel.nDivisor);
-    std::int16_t values[kLanes];
-    for (int y = 0; y < bitmap.Height(); ++y) {
-        const auto* original = bitmap.Row(y);
-        auto* to = result.Row(y);
-        for (std::size_t from = 0; from < bitmap.Stride(); from += kLanes) {
-            const auto count = std::min(kLanes, bitmap.Stride() - from);
-            SumTaps(rows, kernel, taps, y, from, count, values);
-            Divide(values, count, reciprocal, kernel.nBias);
-            if (blend > 0) Blend(values, original + from, count, blend);
-            for (std::size_t i = 0; i < count; ++i) {
-                to[from + i] = static_cast<std::uint8_t>(std::clamp<std::int16_t>(values[i], 0, 255));
+void StoreBytes(const std::int16_t* values, std::size_t count, std::uint8_t* to) {
+    for (std::size_t i = 0; i < count; ++i)
+        to[i] = static_cast<std::uint8_t>(std::clamp<std::int16_t>(values[i], 0, 255));
+}
+
+// A kernel of N x N in 16-bit values. Columns of the kernel that are alike are summed once, downwards, and then used at
+// each place where the kernel has them.
+template <int N>
+class WordFilter {
+public:
+    WordFilter(const Surface& bitmap, const ConvolutionKernel& kernel, int blend)
+        : m_bitmap(bitmap),
+          m_rows(bitmap),
+          m_reciprocal(kernel.nDivisor),
+          m_bias(static_cast<std::int16_t>(kernel.nBias)),
+          m_blend(blend) {
+        for (std::size_t column = 0; column < N; ++column) {
+            Weights weights;
+            for (std::size_t row = 0; row < N; ++row) {
+                weights[row] = static_cast<std::int16_t>(kernel.aCoefficients[row * N + column]);
+            }
+            const auto found = std::find(m_weights.begin(), m_weights.end(), weights);
+            m_lineOf[column] = static_cast<std::size_t>(found - m_weights.begin());
+            if (found == m_weights.end()) m_weights.push_back(weights);
+        }
+    }
+
+    void Run(Surface& result) {
+        std::int16_t values[kLanes];
+        for (int y = 0; y < m_bitmap.Height(); ++y) {
+            std::array<const std::int16_t*, N> rows;
+            for (int i = 0; i < N; ++i) rows[static_cast<std::size_t>(i)] = m_rows.Row(y - N / 2 + i);
+            for (std::size_t from = 0; from < m_bitmap.Stride(); from += kLanes) {
+                const auto count = std::min(kLanes, m_bitmap.Stride() - from);
+                for (std::size_t i = 0; i < m_weights.size(); ++i) {
+                    SumDown(rows, from, count + kPadding, m_weights[i], m_lines[i].data());
+                }
+                SumAcross(count, values);
+                if (m_blend > 0) Blend(values, m_bitmap.Row(y) + from, count, m_blend);
+                StoreBytes(values, count, result.Row(y) + from);
             }
         }
     }
-}
+
+private:
+    using Weights = std::array<std::int16_t, N>;
+    static constexpr std::size_t kPadding = 4 * (N - 1);
+
+    static void SumDown(const std::array<const std::int16_t*, N>& rows, std::size_t from, std::size_t count,
+                        const Weights& weights, std::int16_t* __restrict to) {
+        const auto [r, w] = std::pair(rows, weights);
+        for (std::size_t i = 0; i < count; ++i) {
+            int sum = 0;
+            for (std::size_t k = 0; k < N; ++k) sum += r[k][from + i] * w[k];
+            to[i] = static_cast<std::int16_t>(sum);
+        }
+    }
+
+    void SumAcross(std::size_t count, std::int16_t* __restrict values) const {
+        std::array<const std::int16_t*, N> p;
+        for (std::size_t k = 0; k < N; ++k) p[k] = m_lines[m_lineOf[k]].data() + 4 * k;
+        const unsigned factor = m_reciprocal.factor;
+        const int shift = m_reciprocal.shift;
+        const std::int16_t bias = m_bias;
+        if (factor == 0) {
+            for (std::size_t i = 0; i < count; ++i) values[i] = static_cast<std::int16_t>(Sum(p, i) + bias);
+            return;
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::int16_t sum = Sum(p, i);
+            const auto sign = static_cast<std::int16_t>(sum >> 15);
+            const auto magnitude = static_cast<std::uint16_t>((sum ^ sign) - sign);
+            const auto quotient =
+                static_cast<std::uint16_t>(static_cast<std::uint16_t>(magnitude * factor >> 16) >> shift);
+            values[i] = static_cast<std::int16_t>(((quotient ^ sign) - sign) + bias);
+        }
+    }
+
+    static std::int16_t Sum(const std::array<const std::int16_t*, N>& p, std::size_t i) {
+        int sum = 0;
+        for (std::size_t k = 0; k < N; ++k) sum += p[k][i];
+        return static_cast<std::int16_t>(sum);
+    }
+
+    const Surface& m_bitmap;
+    PaddedRows<N> m_rows;
+    Reciprocal m_reciprocal;
+    std::int16_t m_bias;
+    int m_blend;
+    std::vector<Weights> m_weights;      // of the columns that differ
+    std::array<std::size_t, N> m_lineOf; // for each column of the kernel
+    std::array<std::array<std::int16_t, kLanes + kPadding>, N> m_lines;
+};
 
 // For kernels of any weight: one value after the other, in 64 bits.
 void FilterInWide(const Surface& bitmap, const ConvolutionKernel& kernel, const std::vector<Tap>& taps, int blend,
@@ -172,7 +220,14 @@ Surface ApplyKernel(const Surface& bitmap, const ConvolutionKernel& kernel, int 
     blend = std::clamp(blend, 0, 100);
     Surface result(bitmap.Width(), bitmap.Height());
     const auto taps = TapsOf(kernel);
-    (FitsWords(kernel, taps) ? FilterInWords : FilterInWide)(bitmap, kernel, taps, blend, result);
+    const bool words = FitsWords(kernel, taps) && kernel.nWidth == kernel.nHeight;
+    if (words && kernel.nWidth == 3) {
+        WordFilter<3>(bitmap, kernel, blend).Run(result);
+    } else if (words && kernel.nWidth == 5) {
+        WordFilter<5>(bitmap, kernel, blend).Run(result);
+    } else {
+        FilterInWide(bitmap, kernel, taps, blend, result);
+    }
     return result;
 }
 

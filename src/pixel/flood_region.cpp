@@ -12,11 +12,10 @@ namespace pelorin {
 
 namespace {
 
-// What is known of a pixel. The colour bits are those of the picture as it was; a filled pixel has no other mark.
+// What is known of a pixel. A filled one has no other mark.
 constexpr std::uint8_t kNearOld = 1;
-constexpr std::uint8_t kNearNew = 2;
-constexpr std::uint8_t kFilled = 4;
-constexpr std::uint8_t kPassedDown = 8, kPassedUp = 16; // looked at from a filled column above or beneath
+constexpr std::uint8_t kFilled = 2;
+constexpr std::uint8_t kPassedDown = 4, kPassedUp = 8; // looked at from a filled column above or beneath
 
 int Distance(Argb a, Argb b) {
     return std::abs(RedOf(a) - RedOf(b)) + std::abs(GreenOf(a) - GreenOf(b)) + std::abs(BlueOf(a) - BlueOf(b));
@@ -31,31 +30,25 @@ __m128i Distances(__m128i pixels, __m128i color) {
     return _mm_add_epi32(_mm_madd_epi16(blueRed, _mm_set1_epi16(1)), green);
 }
 
-// The marks of four pixels: distances at or below the tolerance.
-__m128i Marks(const std::uint8_t* p, __m128i oldColor, __m128i newColor, __m128i limit) {
+// The marks of four pixels: distances below the limit.
+__m128i Marks(const std::uint8_t* p, __m128i color, __m128i limit) {
     const auto pixels = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-    const auto old = _mm_and_si128(_mm_cmplt_epi32(Distances(pixels, oldColor), limit), _mm_set1_epi32(kNearOld));
-    const auto fresh = _mm_and_si128(_mm_cmplt_epi32(Distances(pixels, newColor), limit), _mm_set1_epi32(kNearNew));
-    return _mm_or_si128(old, fresh);
+    return _mm_cmplt_epi32(Distances(pixels, color), limit);
 }
 #endif
 
-void MarkRow(const std::uint8_t* from, int width, Rgb newColor, Rgb oldColor, int tolerance, std::uint8_t* to) {
+void MarkRow(const std::uint8_t* from, int width, Rgb oldColor, int tolerance, std::uint8_t* to) {
     int x = 0;
 #if defined(__SSE2__)
-    const auto old = _mm_set1_epi32(static_cast<int>(oldColor)), fresh = _mm_set1_epi32(static_cast<int>(newColor));
-    const auto limit = _mm_set1_epi32(tolerance + 1);
+    const auto color = _mm_set1_epi32(static_cast<int>(oldColor)), limit = _mm_set1_epi32(tolerance + 1);
     for (; x + 16 <= width; x += 16, from += 64) {
-        const auto low = _mm_packs_epi32(Marks(from, old, fresh, limit), Marks(from + 16, old, fresh, limit));
-        const auto high = _mm_packs_epi32(Marks(from + 32, old, fresh, limit), Marks(from + 48, old, fresh, limit));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + x), _mm_packus_epi16(low, high));
+        const auto low = _mm_packs_epi32(Marks(from, color, limit), Marks(from + 16, color, limit));
+        const auto high = _mm_packs_epi32(Marks(from + 32, color, limit), Marks(from + 48, color, limit));
+        const auto marks = _mm_and_si128(_mm_packs_epi16(low, high), _mm_set1_epi8(kNearOld));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + x), marks);
     }
 #endif
-    for (; x < width; ++x, from += 4) {
-        const Argb pixel = LoadPixel(from);
-        to[x] = static_cast<std::uint8_t>((Distance(pixel, oldColor) <= tolerance ? kNearOld : 0) |
-                                          (Distance(pixel, newColor) <= tolerance ? kNearNew : 0));
-    }
+    for (; x < width; ++x, from += 4) to[x] = Distance(LoadPixel(from), oldColor) <= tolerance ? kNearOld : 0;
 }
 
 std::uint64_t Eight(const std::uint8_t* p) {
@@ -92,14 +85,20 @@ FloodRegion::FloodRegion(const DibView& picture32, Rgb newColor, Rgb oldColor, i
       m_oldColor(oldColor & 0xFFFFFF),
       m_tolerance(std::clamp(tolerance, -1, 3 * 255)),
       m_known(static_cast<std::size_t>(picture32.Height())),
-      m_marks(static_cast<std::size_t>(picture32.Width()) * static_cast<std::size_t>(picture32.Height())) {}
+      m_marks(std::make_unique_for_overwrite<std::uint8_t[]>(static_cast<std::size_t>(picture32.Width()) *
+                                                             static_cast<std::size_t>(picture32.Height()))) {}
 
 std::uint8_t* FloodRegion::Row(int y) {
-    auto* marks = m_marks.data() + static_cast<std::size_t>(m_picture.Width()) * static_cast<std::size_t>(y);
+    auto* marks = m_marks.get() + static_cast<std::size_t>(m_picture.Width()) * static_cast<std::size_t>(y);
     auto& known = m_known[static_cast<std::size_t>(y)];
-    if (!known) MarkRow(m_picture.PictureRow(y), m_picture.Width(), m_newColor, m_oldColor, m_tolerance, marks);
+    if (!known) MarkRow(m_picture.PictureRow(y), m_picture.Width(), m_oldColor, m_tolerance, marks);
     known = 1;
     return marks;
+}
+
+// Asked of pixels that are not filled, so the picture still has their colour.
+bool FloodRegion::IsNearNew(int x, int y) const {
+    return Distance(LoadPixel(m_picture.PictureRow(y) + std::ptrdiff_t{4} * x), m_newColor) <= m_tolerance;
 }
 
 void FloodRegion::Run(int x, int y, const Paint& paint) {
@@ -126,11 +125,10 @@ void FloodRegion::LookAlong(int y, int from, int to, int step) {
         if (row[x] & kNearOld) {
             m_stack.push_back({x, y});
             x = NearEnd(row, x, to);
-        } else if (row[x] & kNearNew) {
-            PassThrough(x, y, step);
-            ++x;
-        } else {
+        } else if (row[x] == kFilled) {
             x = RunEnd(row, x, to);
+        } else {
+            PassThrough(x++, y, step);
         }
     }
 }
@@ -141,7 +139,7 @@ void FloodRegion::PassThrough(int x, int y, int step) {
     const std::uint8_t passed = step > 0 ? kPassedDown : kPassedUp;
     for (; y >= 0 && y < m_picture.Height(); y += step) {
         auto* row = Row(y);
-        if (!(row[x] & kNearNew) || (row[x] & passed)) return;
+        if (row[x] == kFilled || (row[x] & passed) || !IsNearNew(x, y)) return;
         row[x] |= passed;
         if (x > 0 && (row[x - 1] & kNearOld)) m_stack.push_back({x - 1, y});
         if (x + 1 < m_picture.Width() && (row[x + 1] & kNearOld)) m_stack.push_back({x + 1, y});

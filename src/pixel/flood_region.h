@@ -5,6 +5,7 @@
 #include "pixel/dib.h"
 
 #include <functional>
+#include <memory>
 #include <vector>
 
 namespace pelorin {
@@ -21,14 +22,15 @@ public:
 
 private:
     std::uint8_t* Row(int y);
+    [[nodiscard]] bool IsNearNew(int x, int y) const;
     void LookAlong(int y, int from, int to, int step);
     void PassThrough(int x, int y, int step);
 
     DibView m_picture;
     Rgb m_newColor, m_oldColor;
     int m_tolerance;
-    std::vector<std::uint8_t> m_known; // rows that m_marks holds
-    Bytes m_marks;
+    std::vector<std::uint8_t> m_known;       // rows that m_marks holds
+    std::unique_ptr<std::uint8_t[]> m_marks; // one a pixel
     std::vector<Point> m_stack;
 };
 

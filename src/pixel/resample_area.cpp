@@ -1,6 +1,7 @@
 #include "pixel/resample_kernels.h"
 
 #include <array>
+#include <cmath>
 #include <vector>
 
 namespace pelorin {
@@ -84,7 +85,7 @@ public:
           m_out(out),
           m_scaleX(static_cast<double>(source.width) / target.width),
           m_scaleY(static_cast<double>(source.height) / target.height),
-          m_divisor(static_cast<std::int64_t>(1000.0 * m_scaleX * m_scaleY)),
+          m_divisor(std::trunc(1000.0 * m_scaleX * m_scaleY)),
           m_columns(FindBoundaries(source.width, target.width, m_scaleX)),
           m_current(static_cast<std::size_t>(target.width) + 1),
           m_next(m_current.size()) {}
@@ -167,7 +168,11 @@ private:
             m_out +
             (static_cast<std::size_t>(y) * static_cast<std::size_t>(m_target.width) + static_cast<std::size_t>(x)) * 4;
         const auto& cell = m_current[static_cast<std::size_t>(x)];
-        for (std::size_t c = 0; c < 4; ++c) p[c] = static_cast<std::uint8_t>(cell[c] / m_divisor);
+        // Both are whole numbers far below 2^53, for which this is the truncated quotient; it is faster than in 64
+        // bits.
+        for (std::size_t c = 0; c < 4; ++c) {
+            p[c] = static_cast<std::uint8_t>(static_cast<int>(static_cast<double>(cell[c]) / m_divisor));
+        }
         if (m_alpha == AlphaUse::Unused) p[3] = 0;
     }
 
@@ -175,7 +180,7 @@ private:
     AlphaUse m_alpha;
     std::uint8_t* m_out;
     double m_scaleX, m_scaleY;
-    std::int64_t m_divisor;
+    double m_divisor;
     std::vector<Boundary> m_columns;
     std::vector<Cell> m_current, m_next;
 };
