@@ -21,6 +21,7 @@ struct VerbSetup::Impl {
     VerbAction action;
     bool yes = false, no = false, backup = false;
     int jobs = 0;
+    std::vector<std::string>* secondIsOutput = nullptr;
 
     struct OrderedSlot {
         std::string name;
@@ -102,6 +103,10 @@ void VerbSetup::MakesFiles() {
            "the file to write, or the folder when several come out; - is standard output");
     Flag("-f,--force", common.force, "replace files that exist");
     Flag("-n,--dry-run", common.dryRun, "say what would be written, write nothing");
+}
+
+void VerbSetup::SecondInputIsOutput(std::vector<std::string>& values) {
+    m_impl.secondIsOutput = &values;
 }
 
 void VerbSetup::RewritesFiles() {
@@ -186,6 +191,10 @@ CommandParser::Wish CommandParser::Parse(const std::vector<std::string>& argumen
     auto& common = m_impl->common;
     if (m_impl->yes || m_impl->no) common.answer = m_impl->yes;
     common.jobs = static_cast<unsigned>(m_impl->jobs);
+    if (auto* inputs = m_impl->secondIsOutput; inputs && inputs->size() == 2 && common.output.empty()) {
+        common.output = inputs->back();
+        inputs->pop_back();
+    }
     if (common.inPlace && !common.output.empty()) throw UsageError("--in-place and --output exclude each other");
     if (!common.backup.empty() && !common.inPlace) throw UsageError("--backup goes with --in-place");
 

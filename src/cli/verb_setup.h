@@ -84,7 +84,9 @@ public:
 
     // ---- the shared options; every verb has -q, -v, --no-progress, --yes and --no ----
 
-    void MakesFiles();    ///< -o, -f, -n
+    void MakesFiles(); ///< -o, -f, -n
+    /// Of two inputs without -o the second is the output: "image IN OUT".
+    void SecondInputIsOutput(std::vector<std::string>& values);
     void RewritesFiles(); ///< those, --in-place and --backup
     void Reports();       ///< --json
     void UsesCores();     ///< -j

@@ -1,0 +1,59 @@
+#include "base/files.h"
+#include "cli/picture_chain.h"
+#include "cli/picture_io.h"
+#include "cli/verb.h"
+#include "pixel/depth.h"
+
+#include <fmt/format.h>
+
+namespace pelorin::cli {
+
+namespace {
+
+struct ImageOptions {
+    std::vector<std::string> files;
+    std::vector<OrderedOption> operations;
+    PictureInput input;
+    PictureOutput output;
+};
+
+// As the operations want it: a transparent index becomes alpha, and a fourth byte that is 0 everywhere is none.
+DibBlock ReadForChain(Run& run, const std::string& file, const PictureInput& input) {
+    PictureFacts facts;
+    auto block = ReadPictureInput(run, file, input, facts);
+    if (DIBBitCount(block) == 8 && facts.transparentIndex >= 0) return KeyTo32(block, facts.transparentIndex);
+    return DIBBitCount(block) == 32 && !DIBHasAlpha(block) ? ConvertDIBTo24(block) : std::move(block);
+}
+
+void Change(Run& run, const std::string& file, const ImageOptions& options, const std::vector<NamedStep>& chain) {
+    auto picture = ReadForChain(run, file, options.input);
+    for (const auto& [text, step] : chain) {
+        picture = step(picture);
+        if (!picture) throw FileException(fmt::format("{} cannot be done to this picture", text));
+    }
+    const auto path = WritePictureOutput(run, file, {}, picture, options.output, options.files.size() > 1);
+    if (run.Options().dryRun || path == "-") return;
+    run.Note(fmt::format("{}  {}x{}, {} bits", Printable(path), DIBWidth(picture), DIBHeight(picture),
+                         DIBBitCount(picture)));
+}
+
+} // namespace
+
+VerbAction SetUpImage(VerbSetup& setup) {
+    auto options = std::make_shared<ImageOptions>();
+    setup.Inputs("PICTURE", options->files, "picture files; of two names without -o the second is the output");
+    setup.MakesFiles();
+    setup.SecondInputIsOutput(options->files);
+    options->input.Declare(setup);
+    options->output.Declare(setup);
+    AddPictureOperations(setup, options->operations);
+    setup.Footer("The operations are carried out in the order given, each on what the one before it made:\n"
+                 "  pelorin-cli image photo.jpg icon.png --fit 48x48 --square --shadow\n"
+                 "  pelorin-cli image *.png -o small/ --resize 32 --filter sharpen --reduce 16 --dither");
+    return [options](Run& run) {
+        const auto chain = MakePictureChain(options->operations);
+        run.ForEach(options->files, [&](const std::string& file) { Change(run, file, *options, chain); });
+    };
+}
+
+} // namespace pelorin::cli

@@ -1,0 +1,84 @@
+#include "base/files.h"
+#include "formats/load_file.h"
+#include "formats/save_image.h"
+#include "support/dib_builder.h"
+#include "support/run_program.h"
+#include "support/temp_folder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace pelorin {
+namespace {
+
+using ::testing::HasSubstr;
+
+class ImageVerb : public ::testing::Test {
+protected:
+    void SetUp() override {
+        // Left half red, right half blue with half its alpha.
+        auto block = CreateDIB(8, 4, 32);
+        const DibRows rows(block);
+        for (int y = 0; y < 4; ++y) {
+            for (int x = 0; x < 8; ++x) StoreU32LE(rows.Row(y) + 4 * x, x < 4 ? 0xFFFF0000u : 0x800000FFu);
+        }
+        Bytes file;
+        ASSERT_EQ(EncodePicture(block, 15, {}, file), 0);
+        WriteFileSafely(JoinPath(m_folder.Path(), "in.png"), file);
+    }
+    test::ProgramResult Run(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), "image");
+        return test::RunProgram("pelorin-cli", arguments, m_folder.Path());
+    }
+    DibBlock Load(const std::string& name) const {
+        PictureFacts facts;
+        return LoadPicture(JoinPath(m_folder.Path(), name), {}, facts);
+    }
+
+    test::TempFolder m_folder;
+};
+
+TEST_F(ImageVerb, OperationsRunInTheOrderGiven) {
+    ASSERT_EQ(Run({"in.png", "a.png", "--crop", "2,0,4,4", "--flip", "h", "--shadow"}).exitCode, 0);
+    const auto a = Load("a.png");
+    EXPECT_EQ(DibView(a).GetSize(), (Size{6, 6}));
+    EXPECT_EQ(test::At(a, 2, 1), 0xFFFF0000u);
+    ASSERT_EQ(Run({"in.png", "-o", "b.png", "--flip", "h", "--crop", "2,0,4,4", "--invert"}).exitCode, 0);
+    EXPECT_EQ(test::At(Load("b.png"), 0, 0), 0x80FFFF00u);
+}
+
+TEST_F(ImageVerb, PalettesAndFormatsWithoutAlpha) {
+    const auto mono = Run({"in.png", "m.png", "--mono"});
+    EXPECT_THAT(mono.out, HasSubstr("m.png  8x4, 8 bits"));
+    ASSERT_EQ(Run({"in.png", "p.bmp", "--reduce", "4", "--palette", "m.png"}).exitCode, 0);
+    EXPECT_EQ(test::At(Load("p.bmp"), 0, 0), 0xFF000000u) << "red is nearer to black than to white";
+    ASSERT_EQ(Run({"in.png", "j.jpg"}).exitCode, 0);
+    EXPECT_EQ(DIBBitCount(Load("j.jpg")), 24);
+}
+
+TEST_F(ImageVerb, SaysWhatIsWrong) {
+    struct Row {
+        std::vector<std::string> arguments;
+        int exitCode;
+        const char* text;
+    };
+    const Row rows[] = {
+        {{"in.png", "x.png", "--filter", "blurr"}, 2, "did you mean"},
+        {{"in.png", "x.png", "--brightness", "200"}, 2, "--brightness: 200 is not between"},
+        {{"in.png", "x.png", "--smooth"}, 2, "--smooth stands behind"},
+        {{"in.png", "x.png", "--reduce", "8", "--palette", "none.act"}, 2, "none.act"},
+        {{"in.png", "x.png", "--crop", "9,0,4,4"}, 1, "--crop 9,0,4,4 cannot be done"},
+        {{"none.png", "x.png"}, 1, "pelorin-cli: none.png: "},
+        {{"in.png", "x.doc"}, 2, "are not written as \"doc\""},
+        {{"in.png", "in.png"}, 1, "--force"},
+    };
+    for (const auto& row : rows) {
+        const auto result = Run(row.arguments);
+        EXPECT_EQ(result.exitCode, row.exitCode) << result.err;
+        EXPECT_THAT(result.err, HasSubstr(row.text));
+    }
+    EXPECT_FALSE(FileExists(JoinPath(m_folder.Path(), "x.png")));
+}
+
+} // namespace
+} // namespace pelorin
