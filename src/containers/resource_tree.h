@@ -94,6 +94,9 @@ struct ResourceTreeFacts {
 /// entries that lie outside, and all entries beyond the number that the bytes could hold.
 [[nodiscard]] ResourceTree ReadResourceTree(const PeImage& image, ResourceTreeFacts* facts = nullptr);
 
+/// The same for a tree that stands at the start of a section, whatever the directories of the image say.
+[[nodiscard]] ResourceTree ReadResourceTreeOf(const PeImage& image, const PeSection& section);
+
 /// Bytes that `LayOutResourceTree` needs.
 [[nodiscard]] std::uint64_t ResourceTreeSize(const ResourceTree& tree);
 /// The tree as the contents of a section at address `rva`. The tree must be sorted and its size below 2 GiB.

@@ -20,21 +20,14 @@ struct Directory {
 
 class TreeReader {
 public:
-    TreeReader(const PeImage& image, ResourceTreeFacts& facts) : m_image(image), m_facts(facts) {
-        const auto place = image.Directory(PeDirectory::Resources);
-        const auto start = place.address != 0 ? image.FileOffset(place.address, 16) : std::nullopt;
-        if (!start) {
-            m_facts.whole = place.address == 0;
-            return;
-        }
-        m_start = *start;
-        // The directory's own size is often wrong; the section's end, or that of the file, is the limit.
-        const int section = image.SectionAt(place.address);
-        const auto end = section < 0 ? std::uint64_t{image.SizeOfHeaders()}
-                                     : image.Sections()[static_cast<std::size_t>(section)].Raw().End();
-        const auto size = std::min<std::uint64_t>(end, image.File().size()) - m_start;
-        m_tree = image.File().subspan(m_start, static_cast<std::size_t>(size));
-        m_budget = size / 8;
+    /// `start` and `end`: the part of the file in which the tree stands.
+    TreeReader(const PeImage& image, std::uint64_t start, std::uint64_t end, ResourceTreeFacts& facts)
+        : m_image(image), m_facts(facts) {
+        end = std::min<std::uint64_t>(end, image.File().size());
+        if (start >= end) return;
+        m_start = static_cast<std::size_t>(start);
+        m_tree = image.File().subspan(m_start, static_cast<std::size_t>(end - start));
+        m_budget = m_tree.size() / 8;
     }
 
     ResourceTree Read() {
@@ -167,7 +160,23 @@ private:
 
 ResourceTree ReadResourceTree(const PeImage& image, ResourceTreeFacts* facts) {
     ResourceTreeFacts unwanted;
-    return TreeReader(image, facts ? *facts : unwanted).Read();
+    auto& told = facts ? *facts : unwanted;
+    const auto rva = image.Directory(PeDirectory::Resources).address;
+    const auto start = rva != 0 ? image.FileOffset(rva, 16) : std::nullopt;
+    if (!start) {
+        told.whole = rva == 0;
+        return {};
+    }
+    // The directory's own size is often wrong; the section's end is the limit.
+    const int section = image.SectionAt(rva);
+    const auto end = section < 0 ? std::uint64_t{image.SizeOfHeaders()}
+                                 : image.Sections()[static_cast<std::size_t>(section)].Raw().End();
+    return TreeReader(image, *start, end, told).Read();
+}
+
+ResourceTree ReadResourceTreeOf(const PeImage& image, const PeSection& section) {
+    ResourceTreeFacts unwanted;
+    return TreeReader(image, section.rawOffset, section.Raw().End(), unwanted).Read();
 }
 
 } // namespace pelorin

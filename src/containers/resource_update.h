@@ -37,6 +37,8 @@ public:
     /// Writes the file, beside the old one and then over it, or forgets the update. False, with the file as it was,
     /// when it could not be written.
     virtual bool EndUpdateResource(std::unique_ptr<ResourceUpdate> update, bool discard, std::string* reason = nullptr);
+    /// Whether an update leaves what stands behind the image where it was.
+    [[nodiscard]] virtual bool KeepsDataBehindImage() const { return true; }
 };
 
 } // namespace pelorin

@@ -44,6 +44,9 @@ void CVnIcon::Copy(const CVnIcon& other) {
     m_nHotSpotX = other.m_nHotSpotX;
     m_nHotSpotY = other.m_nHotSpotY;
     m_nResourceId = other.m_nResourceId;
+    m_nLanguage = other.m_nLanguage;
+    m_nFileOffset = other.m_nFileOffset;
+    m_nFileBytes = other.m_nFileBytes;
     m_nPngBytesRead = other.m_nPngBytesRead;
     m_hImage = other.m_hImage;
     m_hPreview = {};

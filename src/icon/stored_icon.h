@@ -22,7 +22,10 @@ public:
     /// Starts set; cleared when a 256-entry table differs from the standard one.
     bool m_bStandardPalette = true;
     int m_nHotSpotX = -1, m_nHotSpotY = -1; ///< -1: none
-    int m_nResourceId = 0;                  ///< while it is written into a library
+    int m_nResourceId = 0;                  ///< in a program file, or while it is written into a library
+    int m_nLanguage = 0;                    ///< of the resource; -1: not yet known
+    std::uint64_t m_nFileOffset = 0;        ///< where it stands in the program file that it was read from
+    std::uint32_t m_nFileBytes = 0;         ///< bytes that the file keeps for it there
     std::uint32_t m_nReserved = 0;          ///< goes with copies, means nothing here
 
     // ---- the block ----

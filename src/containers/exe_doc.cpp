@@ -1,0 +1,145 @@
+#include "containers/exe_doc.h"
+
+#include "base/text.h"
+#include "containers/program_file.h"
+#include "core/services.h"
+#include "core/user_prompt.h"
+
+namespace pelorin {
+
+namespace {
+
+ResourceKey GroupKey(const CIconGroup& icon) {
+    if (icon.m_nResourceId >= 0) return static_cast<std::uint16_t>(icon.m_nResourceId);
+    return ResourceKey(Utf8ToUtf16(icon.m_strName));
+}
+
+Bytes ReadExtraData(ByteSpan file) {
+    const auto image = PeImage::Parse(file);
+    const auto extra = image ? FindExtraData(*image) : ByteSpan{};
+    return {extra.begin(), extra.end()};
+}
+
+} // namespace
+
+bool CFileExeDoc::OnOpenDocument(const std::string& path) {
+    DeleteContents();
+    auto& prompt = *GetServices().prompt;
+    try {
+        const auto file = FileView::Open(path);
+        const auto found = FindIcons(file.Data(), m_bCanUpdate, GetServices().progress);
+        // The numbered names belong to the way of reading that knows every group by its number.
+        const bool named = found.mode == ProgramMode::Full || found.mode == ProgramMode::Restricted;
+        m_arrIcons = LoadIcons(found, named ? BaseName(path) : std::string());
+        m_nMode = found.mode;
+        m_arrIds.insert(found.idTable.begin(), found.idTable.end());
+        m_arrUnreadIds = found.unreadIds;
+        m_bComplete = found.complete;
+        if (m_nMode == ProgramMode::Restricted) m_arrExtraData = ReadExtraData(file.Data());
+    } catch (const FileException& e) {
+        prompt.Tell(PromptIcon::Stop, str::kErrorReadingFile, path, e.what());
+        return false;
+    }
+    if (m_arrIcons.empty()) {
+        prompt.Tell(PromptIcon::Stop, str::kFileHasNoIcons);
+        return false;
+    }
+    SetModifiedFlag(false);
+    return true;
+}
+
+void CFileExeDoc::DeleteContents() {
+    CIconContainerDoc::DeleteContents();
+    m_nMode = ProgramMode::Full;
+    m_bNoticeShown = false;
+    m_bComplete = true;
+    m_arrIds.clear();
+    m_arrUnreadIds.clear();
+    m_arrDeletedGroups.clear();
+    m_arrExtraData.clear();
+}
+
+std::string CFileExeDoc::CellDescription(int index) const {
+    return FormatText(str::kIconInProgram, index + 1, GetTitle());
+}
+
+std::string CFileExeDoc::ExportName(int index) const {
+    const auto name = CIconContainerDoc::ExportName(index);
+    return name.empty() ? FormatText(str::kNumberedIcon, BaseName(GetPathName()), index + 1) : name;
+}
+
+void CFileExeDoc::OpenInFullMode() {
+    if (m_nMode == ProgramMode::Restricted) m_nMode = ProgramMode::Full;
+}
+
+void CFileExeDoc::ShowModeNotice() {
+    if (m_bNoticeShown) return;
+    m_bNoticeShown = true;
+    auto& prompt = *GetServices().prompt;
+    if (m_nMode == ProgramMode::Restricted) {
+        if (prompt.Ask(PromptButtons::YesNo, str::kExtraData, GetPathName()) == PromptAnswer::Yes) OpenInFullMode();
+    } else if (m_nMode != ProgramMode::Full) {
+        prompt.Tell(PromptIcon::Information, str::kReplaceOnly, GetPathName());
+    }
+}
+
+bool CFileExeDoc::MayTake(const CIconGroup& cell, const CIconGroup& icon) {
+    if (m_nMode == ProgramMode::Full || HaveSameFormats(cell, icon)) return true;
+    GetServices().prompt->Tell(PromptIcon::Stop, str::kIconsNotIdentical);
+    return false;
+}
+
+bool CFileExeDoc::ReplaceIcon(int index, const CIconGroup& icon) {
+    const auto* old = GetIcon(index);
+    if (!old || !MayTake(*old, icon)) return false;
+    auto fresh = std::make_unique<CIconGroup>(icon);
+    for (auto& image : fresh->m_arrIcons) {
+        const auto* place = FindSameFormat(*old, *image);
+        image->m_nResourceId = image->m_nLanguage = -1;
+        image->m_nFileOffset = place ? place->m_nFileOffset : 0;
+        image->m_nFileBytes = place ? place->m_nFileBytes : 0;
+    }
+    fresh->m_strName = old->m_strName;
+    fresh->m_nResourceId = old->m_nResourceId;
+    fresh->m_nLanguage = old->m_nLanguage;
+    fresh->m_bChanged = true;
+    m_arrIcons[static_cast<std::size_t>(index)] = std::move(fresh);
+    SetModifiedFlag();
+    return true;
+}
+
+bool CFileExeDoc::RemoveIcons(const std::vector<int>& positions) {
+    if (m_nMode != ProgramMode::Full) return false;
+    for (const auto& icon : TakeOut(positions)) m_arrDeletedGroups.emplace_back(GroupKey(*icon), icon->m_nLanguage);
+    return true;
+}
+
+bool CFileExeDoc::AddIcon(const CIconGroup& icon, int id, int language, const std::string& name) {
+    if (m_nMode != ProgramMode::Full) return false;
+    auto fresh = std::make_unique<CIconGroup>(icon);
+    for (auto& image : fresh->m_arrIcons) image->m_nResourceId = image->m_nLanguage = -1;
+    fresh->m_nResourceId = name.empty() ? id : -1;
+    fresh->m_strName = name;
+    fresh->m_nLanguage = language;
+    fresh->m_bChanged = true;
+    const auto key = GroupKey(*fresh);
+    std::erase_if(m_arrDeletedGroups, [&](const auto& gone) { return gone.first == key && gone.second == language; });
+    IconGroups added;
+    added.push_back(std::move(fresh));
+    Insert(GetCount(), std::move(added));
+    return true;
+}
+
+int CFileExeDoc::FreeGroupId() const {
+    std::set<int> used;
+    for (const auto& icon : m_arrIcons) used.insert(icon->m_nResourceId);
+    int id = 1;
+    while (used.contains(id)) ++id;
+    return id;
+}
+
+int CFileExeDoc::EditWindowsQuestion() const {
+    return str::kAskSaveProgramWindows;
+}
+
+} // namespace pelorin

@@ -1,0 +1,74 @@
+// The document of a program file: its icons, and how far they can be changed.
+#pragma once
+
+#include "containers/icon_container_doc.h"
+#include "containers/icon_resources.h"
+#include "containers/resource_update.h"
+
+#include <set>
+
+namespace pelorin {
+
+class CFileExeDoc final : public CIconContainerDoc {
+public:
+    using CIconContainerDoc::CIconContainerDoc;
+
+    /// Tells the person when the file has no icons, and is not opened then.
+    [[nodiscard]] bool OnOpenDocument(const std::string& path) override;
+    /// Writes the changed icons into the file, or, for another path, into a copy of it.
+    [[nodiscard]] bool OnSaveDocument(const std::string& path) override;
+    void DeleteContents() override;
+    [[nodiscard]] ContainerKind GetContainerKind() const override { return ContainerKind::Program; }
+    [[nodiscard]] std::string CellDescription(int index) const override;
+    /// A cell without a name goes by "%s %03d" of the file's name.
+    [[nodiscard]] std::string ExportName(int index) const override;
+
+    [[nodiscard]] ProgramMode GetMode() const { return m_nMode; }
+    /// From restricted to full mode; there is no way back.
+    void OpenInFullMode();
+    /// Once a document: explains restricted mode and lets the person choose, or tells that icons can only be replaced.
+    void ShowModeNotice();
+
+    /// The images of `icon` take the place of those of the cell, which keeps its name and resource. False, after
+    /// telling the person, when the mode does not allow it.
+    bool ReplaceIcon(int index, const CIconGroup& icon);
+    /// Takes icons out in full mode; false in all others.
+    bool RemoveIcons(const std::vector<int>& positions);
+    /// A new icon under a number or, where `name` is not empty, under that name. False outside full mode.
+    bool AddIcon(const CIconGroup& icon, int id, int language, const std::string& name = {});
+    /// The smallest number that no group has.
+    [[nodiscard]] int FreeGroupId() const;
+
+    bool m_bCanUpdate = true; ///< false: a system that cannot update resources
+    bool m_bWarnOverwriteProgram = true;
+    bool m_bDropSignature = false;         ///< set by the caller, or by the person's answer
+    std::string m_strReason;               ///< why the last save failed, where the system told
+    ResourceUpdater* m_pUpdater = nullptr; ///< null: the document's own
+
+protected:
+    [[nodiscard]] int EditWindowsQuestion() const override;
+    [[nodiscard]] bool MayTake(const CIconGroup& cell, const CIconGroup& icon) override;
+
+private:
+    using IdPair = std::pair<int, int>;
+    class Update;
+
+    [[nodiscard]] ResourceUpdater& Updater() { return m_pUpdater ? *m_pUpdater : m_updater; }
+    [[nodiscard]] bool AskBeforeSave(const std::string& source, bool overItself);
+    [[nodiscard]] bool SaveInPlace(const std::string& path);
+    [[nodiscard]] bool SaveByUpdate(const std::string& path);
+    [[nodiscard]] bool AppendExtraData(const std::string& path);
+    [[nodiscard]] bool Fail(const std::string& path, const std::string& suffix);
+    void RebuildIdTable();
+    void Saved(const std::string& path);
+
+    ResourceUpdater m_updater;
+    ProgramMode m_nMode = ProgramMode::Full;
+    bool m_bNoticeShown = false, m_bComplete = true;
+    std::set<IdPair> m_arrIds;
+    std::vector<int> m_arrUnreadIds;
+    std::vector<std::pair<ResourceKey, int>> m_arrDeletedGroups; ///< key and language
+    Bytes m_arrExtraData;
+};
+
+} // namespace pelorin

@@ -1,0 +1,60 @@
+#include "containers/icon_import.h"
+
+#include "base/files.h"
+#include "base/text.h"
+#include "containers/program_file.h"
+#include "core/file_kinds.h"
+#include "core/strings.h"
+#include "icon/icon_sources.h"
+
+namespace pelorin {
+
+namespace {
+
+bool IsProgramKind(int kind) {
+    return kind >= kKindExe && kind <= kKindScr;
+}
+
+bool IsMacintoshKind(int kind) {
+    return IsMacintoshIconKind(kind) || kind == kKindIcontainer;
+}
+
+bool CarriesIcons(int kind) {
+    return kind == kKindIco || kind == kKindCur || kind == kKindIconLibrary || IsProgramKind(kind) ||
+           IsMacintoshKind(kind);
+}
+
+} // namespace
+
+IconGroups LoadIconsOf(const std::string& path) {
+    IconGroups icons;
+    const int kind = GetFileKind(path);
+    if (!CarriesIcons(kind)) return icons;
+    const auto file = FileView::Open(path);
+    if (kind == kKindIconLibrary || IsProgramKind(kind)) {
+        return LoadIcons(FindIcons(file.Data()), IsProgramKind(kind) ? StemOf(path) : std::string_view{});
+    }
+    const auto* source = FindIconSource(file.Data(), kind);
+    if (!source) return icons;
+    const auto take = [&](CIconGroup& group) {
+        icons.push_back(std::make_unique<CIconGroup>(std::move(group)));
+        if (IsMacintoshKind(kind)) icons.back()->m_nInfo = 1;
+        return true;
+    };
+    if (!source->visit(file.Data(), take) && kind == kKindIco) icons.clear();
+    return icons;
+}
+
+IconGroups ImportIcons(const std::string& path) {
+    auto icons = LoadIconsOf(path);
+    std::string base(StemOf(path));
+    if (!base.empty()) base[0] = AsciiUpper(base[0]);
+    for (std::size_t i = 0; i < icons.size(); ++i) {
+        auto& name = icons[i]->m_strName;
+        if (!name.empty()) continue;
+        name = icons.size() == 1 ? base : FormatText(str::kNumberedImport, base, static_cast<int>(i + 1));
+    }
+    return icons;
+}
+
+} // namespace pelorin
