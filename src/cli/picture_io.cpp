@@ -94,6 +94,7 @@ DibBlock ReadPictureInput(Run& run, const std::string& file, const PictureInput&
     auto request = RequestOf(PictureSettings());
     request.progress = run.GetProgress();
     request.frame = input.frame - 1;
+    request.keepIndices = input.keepIndices;
     if (!input.layer.empty()) return ReadLayer(view.Data(), kind, request, input.layer, facts);
     auto block = ReadPicture(view.Data(), kind, request, facts);
     if (block) return block;
@@ -144,14 +145,23 @@ int PictureOutput::KindFor(const Run& run, const std::string& input, bool severa
 }
 
 std::string WritePictureOutput(Run& run, const std::string& input, std::string_view suffix, const DibBlock& picture,
-                               const PictureOutput& output, bool several) {
+                               const PictureOutput& output, bool several, const PictureFacts& facts) {
     const auto* saver = PictureSaverOfKind(output.KindFor(run, input, several));
     const auto path = OutputPath(run, input, suffix, saver->extension, several);
-    const auto background =
-        output.background ? ColorRefFromRgb(output.background->Rgb()) : PictureSettings().background;
-    const auto converted = AtDepthFor(*saver, picture, background);
     auto options = SaveOptions(run, output, picture);
     options.extension = ExtensionOf(path);
+    const bool keyed = facts.transparentIndex >= 0 && DIBBitCount(picture) == 8;
+    const bool samePalette = saver->kind == kKindGif && facts.paletteBits > 0 && !output.ChangesGifPalette();
+    DibBlock converted;
+    if (keyed && samePalette) {
+        options.gif.transparentIndex = facts.transparentIndex;
+        options.gif.colors = 1 << facts.paletteBits;
+    } else if (keyed) {
+        converted = KeyTo32(picture, facts.transparentIndex);
+    }
+    const auto background =
+        output.background ? ColorRefFromRgb(output.background->Rgb()) : PictureSettings().background;
+    if (auto other = AtDepthFor(*saver, converted ? converted : picture, background)) converted = std::move(other);
     Bytes file;
     const int code = EncodePicture(converted ? converted : picture, saver->kind, options, file);
     if (code != 0 || file.empty())

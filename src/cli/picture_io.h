@@ -13,6 +13,7 @@ struct PictureInput {
     int frame = 1;
     std::string layer; ///< number from 1, or name; empty: the composite
     bool composite = false;
+    bool keepIndices = false; ///< as in `PictureRequest`
 
     void Declare(VerbSetup& setup);
 };
@@ -32,6 +33,10 @@ struct PictureOutput {
     std::optional<Color> gifMatte, background;
     bool gifNoDither = false, gifOpaque = false;
 
+    /// True when an option asks for another palette of a GIF than the one that it comes with.
+    [[nodiscard]] bool ChangesGifPalette() const {
+        return gifColors || gifPalette || gifThreshold || gifMatte || gifNoDither || gifOpaque;
+    }
     void Declare(VerbSetup& setup);
     /// The file kind to write: `--as`, else that of the output's name, else that of `input` when it can be written,
     /// else PNG. Throws `UsageError` for a name of a kind that is not written.
@@ -39,8 +44,9 @@ struct PictureOutput {
 };
 
 /// Writes the picture by the rules of `OutputPath`, at a depth that the format takes: transparency is composed on the
-/// background where the format has none. Throws `FileException`. Returns the path.
+/// background where the format has none. `facts` are those of the file that the picture came from as it stands; a GIF
+/// then keeps its palette on the way to a GIF. Throws `FileException`. Returns the path.
 std::string WritePictureOutput(Run& run, const std::string& input, std::string_view suffix, const DibBlock& picture,
-                               const PictureOutput& output, bool several);
+                               const PictureOutput& output, bool several, const PictureFacts& facts = {});
 
 } // namespace pelorin::cli

@@ -34,7 +34,10 @@ DibBlock LoadPicture(std::string_view path, const PictureRequest& request, Pictu
 bool LoadFromFile(CDIB& dib, std::string_view path, const PictureRequest& request, PictureFacts* factsOut) {
     PictureFacts facts;
     dib = CDIB();
-    auto block = LoadPicture(path, request, facts);
+    // The palette is noted before the transparent index is applied.
+    auto indexed = request;
+    indexed.keepIndices = true;
+    auto block = LoadPicture(path, indexed, facts);
     Publish(block, facts);
     if (factsOut) *factsOut = facts;
     if (!block) return false;

@@ -11,6 +11,7 @@
 #include "formats/png.h"
 #include "formats/tga.h"
 #include "formats/tiff.h"
+#include "pixel/depth.h"
 
 #include <deque>
 
@@ -52,7 +53,8 @@ DibBlock ReadWith(const PictureFormat& row, ByteSpan file, const PictureRequest&
     if (facts.width == 0) facts.width = DIBWidth(block);
     if (facts.height == 0) facts.height = DIBHeight(block);
     if (facts.bits == 0) facts.bits = DIBBitCount(block);
-    return block;
+    const bool keyed = facts.transparentIndex >= 0 && DIBBitCount(block) == 8 && !request.keepIndices;
+    return keyed ? KeyTo32(block, facts.transparentIndex) : std::move(block);
 }
 
 } // namespace

@@ -28,7 +28,8 @@ void AddPictureFormats(std::span<const PictureFormat> rows);
 [[nodiscard]] const PictureFormat* FindPictureFormat(ByteSpan file, int kind);
 
 /// The picture of a file that is in memory; `kind` is the one of its name, 0 when it has none. Empty on failure, with
-/// `facts` cleared. Safe on any thread.
+/// `facts` cleared. A picture with a transparent index comes as 32 bits unless the request keeps indices. Safe on any
+/// thread.
 [[nodiscard]] DibBlock ReadPicture(ByteSpan file, int kind, const PictureRequest& request, PictureFacts& facts);
 
 } // namespace pelorin

@@ -25,6 +25,8 @@ struct PictureRequest {
     int layer = -1;
     /// Resolution wanted of a Photo CD file: the setting "PhotoCDSize".
     int photoCdSize = 2;
+    /// An 8-bpp picture with a transparent index stays one; else the dispatcher makes it 32 bits.
+    bool keepIndices = false;
     /// Told of the rows done where the reader goes row by row; null: nobody watches. `StopAsked` ends the reading with
     /// an empty block.
     Progress* progress = nullptr;

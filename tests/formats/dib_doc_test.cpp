@@ -218,6 +218,34 @@ TEST_F(DibDocTest, GifViewWithTransparency) {
     EXPECT_FALSE(document.IsGifView());
 }
 
+TEST_F(DibDocTest, GifKeepsItsPaletteAndTransparencyOverSaves) {
+    Show(test::Picture32(3, {0xFFFF0000, 0x00000000, 0xFFFFFF00}));
+    const auto path = folder.Path("a.gif");
+    ASSERT_TRUE(document.OnSaveDocument(path));
+    EXPECT_TRUE(document.IsGifView()) << "what is shown comes from the file";
+    EXPECT_EQ(document.GetFacts().format, "GIF");
+    EXPECT_EQ(document.GetImage().GetBitCount(), 32);
+    EXPECT_EQ(At(document.GetImage().Block(), 1, 0) >> 24, 0u);
+
+    // Saved again, the picture goes back onto its own palette. Its pixels have a red of 128 and more, so none is lost.
+    const auto bits = document.GetImage().m_nPaletteBits;
+    ASSERT_TRUE(document.OnSaveDocument(folder.Path("b.gif")));
+    EXPECT_EQ(document.GetImage().m_nPaletteBits, bits);
+    const auto& block = document.GetImage().Block();
+    EXPECT_EQ(At(block, 0, 0), 0xFFFF0000u);
+    EXPECT_EQ(At(block, 1, 0) >> 24, 0u);
+    EXPECT_EQ(At(block, 2, 0), 0xFFFFFF00u);
+
+    // Without a word of its own the reader gives alpha too.
+    PictureFacts facts;
+    EXPECT_EQ(DIBBitCount(LoadPicture(path, {}, facts)), 32);
+    PictureRequest request;
+    request.keepIndices = true;
+    EXPECT_EQ(DIBBitCount(LoadPicture(path, request, facts)), 8);
+    EXPECT_GE(facts.transparentIndex, 0);
+    EXPECT_TRUE(prompt.Shown().empty());
+}
+
 TEST(SaveImage, KindGoesByTheFilterListInUse) {
     const auto plain = LoadText(str::kFilterExportPlain), psd = LoadText(str::kFilterExportPsd);
     EXPECT_EQ(KindOfFilter(plain, 1), 3);
