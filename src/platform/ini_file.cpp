@@ -9,6 +9,7 @@ namespace pelorin {
 
 namespace {
 
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr auto kNowhere = static_cast<std::size_t>(-1);
 
 bool HasLineEnd(std::string_view text) {
@@ -25,26 +26,27 @@ bool CanBeSection(std::string_view name) {
 
 bool CanBeKey(std::string_view key) {
     return !key.empty() && !HasLineEnd(key) && key.find('=') == std::string_view::npos && Trim(key) == key &&
-           !key.starts_with('[') && !IsNote(key);
+           !key.starts_with('[') && !IsNote(key) && !key.starts_with(kByteOrderMark);
 }
 
 } // namespace
 
 IniFile::IniFile(std::string_view text) {
-    if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+    while (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
     std::string section;
     while (!text.empty()) {
         const auto end = text.find('\n');
         auto line = text.substr(0, end);
         text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-        if (line.ends_with('\r')) line.remove_suffix(1);
+        while (line.ends_with('\r')) line.remove_suffix(1);
 
         const auto body = Trim(line);
         const auto equals = body.find('=');
         if (body.starts_with('[') && body.ends_with(']')) {
             section = Trim(body.substr(1, body.size() - 2));
             m_lines.push_back({section, {}, std::string(line), true});
-        } else if (!IsNote(body) && equals != std::string_view::npos && equals > 0) {
+        } else if (!IsNote(body) && !body.starts_with(kByteOrderMark) && equals != std::string_view::npos &&
+                   equals > 0) {
             m_lines.push_back({section, std::string(Trim(body.substr(0, equals))),
                                std::string(Trim(body.substr(equals + 1))), false});
         } else {
