@@ -24,6 +24,7 @@ SourcePicture::SourcePicture(const DibBlock& block) {
 
 DibBlock SourcePicture::Make(Size size, bool resample) const {
     if (!m_working || size.width <= 0 || size.height <= 0) return {};
+    if (resample && m_bled && ShrinksTo(m_size, size)) return ShrinkBled(m_bled, size.width, size.height);
     if (resample) return ResampleDIB(*m_working, size.width, size.height);
     const Size cut{std::min(size.width, m_size.width), std::min(size.height, m_size.height)};
     return CropDIB(*m_working, 0, 0, cut.width - 1, cut.height - 1);
@@ -36,7 +37,15 @@ const DibBlock& SourcePicture::Fitted(Size size, bool resample) {
     return found != made.end() ? found->second : made.emplace(key, Make(size, resample)).first->second;
 }
 
+// The step that costs most is the same for every size that is smaller than the picture.
+void SourcePicture::BleedFor(std::span<const Size> sizes) {
+    const auto shrinking =
+        std::count_if(sizes.begin(), sizes.end(), [&](Size size) { return ShrinksTo(m_size, size); });
+    if (m_bits == 32 && m_working && !m_bled && shrinking > 1) m_bled = BleedColors(*m_working);
+}
+
 void SourcePicture::Prepare(std::span<const Size> sizes, unsigned jobs) {
+    BleedFor(sizes);
     // The map's nodes stay where they are, so each thread fills its own.
     std::vector<std::pair<Size, DibBlock*>> missing;
     for (const auto& size : sizes) {

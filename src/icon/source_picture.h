@@ -28,8 +28,10 @@ public:
 
 private:
     [[nodiscard]] DibBlock Make(Size size, bool resample) const;
+    void BleedFor(std::span<const Size> sizes);
 
     DibBlock m_converted;
+    DibBlock m_bled; ///< what a picture with alpha is shrunk from; empty until several sizes ask for it
     const DibBlock* m_working = nullptr;
     int m_bits = 0;
     Size m_size;

@@ -46,6 +46,16 @@ private:
     const Surface& m_surface;
 };
 
+// Rows as they stand in a 32-bpp block.
+class BlockRows final : public RowSource {
+public:
+    explicit BlockRows(const DibView& picture) : m_picture(picture) {}
+    [[nodiscard]] const std::uint8_t* Row(int y) override { return m_picture.Row(y); }
+
+private:
+    DibView m_picture;
+};
+
 void ShrinkDIB(const DibView& source, Size target, std::uint8_t* out) {
     if (source.BitCount() == 32) {
         BledRows rows(source);
@@ -73,7 +83,7 @@ DibBlock ResampleDIB(const DibBlock& block, int width, int height) {
 
     const Size kept{width, height};
     const Size work{width + Surplus(source.Width(), width), height + Surplus(source.Height(), height)};
-    const bool shrinks = source.Width() > work.width && source.Height() > work.height;
+    const bool shrinks = ShrinksTo(source.GetSize(), work);
     const auto scale = [&](std::uint8_t* out) {
         shrinks ? ShrinkDIB(source, kept, out) : InterpolateDIB(block, source, work, kept, out);
     };
@@ -84,6 +94,29 @@ DibBlock ResampleDIB(const DibBlock& block, int width, int height) {
     }
     auto result = CreateDIB(width, height, 32);
     if (const DibRows rows(result); rows) scale(rows.Row(0));
+    return result;
+}
+
+DibBlock BleedColors(const DibBlock& block32) {
+    const DibView source(block32);
+    if (source.BitCount() != 32) return {};
+    auto result = CreateDIB(source.Width(), source.Height(), 32);
+    const DibRows target(result);
+    if (!target) return {};
+    BledRows rows(source);
+    for (int y = 0; y < source.Height(); ++y) std::memcpy(target.Row(y), rows.Row(y), source.Stride());
+    return result;
+}
+
+DibBlock ShrinkBled(const DibBlock& bled32, int width, int height) {
+    const DibView source(bled32);
+    if (source.BitCount() != 32 || width <= 0 || height <= 0 || !ShrinksTo(source.GetSize(), {width, height}))
+        return {};
+    auto result = CreateDIB(width, height, 32);
+    const DibRows target(result);
+    if (!target) return {};
+    BlockRows rows(source);
+    AverageArea(rows, source.GetSize(), {width, height}, AlphaUse::Straight, target.Row(0));
     return result;
 }
 

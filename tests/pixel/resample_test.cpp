@@ -225,6 +225,15 @@ TEST(Resample, APhotoShrinksToAnIconWithoutOverflow) {
     EXPECT_EQ(At(small, 3, 3), 0xFFC8FFFF);
 }
 
+TEST(Resample, BleedingAheadOfTimeGivesTheSameBytes) {
+    for (const Size size : {Size{33, 19}, Size{64, 64}, Size{9, 40}}) {
+        const auto picture = DIBFromSurface(RandomSurface(size.width, size.height, 5));
+        EXPECT_EQ(BytesOf(ShrinkBled(BleedColors(picture), 7, 16)), BytesOf(ResampleDIB(picture, 7, 16)));
+    }
+    EXPECT_FALSE(ShrinkBled(CreateDIB(8, 8, 32), 8, 4)) << "not smaller in both directions";
+    EXPECT_FALSE(BleedColors(CreateDIB(8, 8, 24)));
+}
+
 TEST(Resample, RefusesWhatItCannotScale) {
     const auto good = Picture32(1, {0xFF000000});
     EXPECT_FALSE(ResampleDIB(good, 0, 5));
