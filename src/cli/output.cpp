@@ -8,19 +8,23 @@ namespace pelorin::cli {
 
 namespace {
 
-std::string FreeName(const std::string& folder, const std::string& stem, std::string_view extension, bool force) {
-    const auto plain = JoinPath(folder, fmt::format("{}.{}", stem, extension));
-    if (force || !(FileExists(plain) || FolderExists(plain))) return plain;
-    for (int counter = 2; counter < 100000; ++counter) {
-        auto path = JoinPath(folder, fmt::format("{} ({}).{}", stem, counter, extension));
-        if (!FileExists(path) && !FolderExists(path)) return path;
+std::string FreeName(Run& run, const std::string& folder, const std::string& stem, std::string_view extension) {
+    const bool force = run.Options().force;
+    const auto free = [&](const std::string& path) {
+        const bool exists = FolderExists(path) || (!force && FileExists(path));
+        return !exists && run.Claim(path);
+    };
+    auto path = JoinPath(folder, fmt::format("{}.{}", stem, extension));
+    for (int counter = 2; !free(path); ++counter) {
+        if (counter == 100000) throw FileException("no free name is left for \"" + stem + "\"");
+        path = JoinPath(folder, fmt::format("{} ({}).{}", stem, counter, extension));
     }
-    throw FileException("no free name is left for \"" + plain + "\"");
+    return path;
 }
 
 } // namespace
 
-std::string OutputPath(const Run& run, std::string_view input, std::string_view suffix, std::string_view extension,
+std::string OutputPath(Run& run, std::string_view input, std::string_view suffix, std::string_view extension,
                        bool several) {
     const auto& options = run.Options();
     if (options.inPlace) return std::string(input);
@@ -32,7 +36,7 @@ std::string OutputPath(const Run& run, std::string_view input, std::string_view 
         throw FileException("the folder \"" + output + "\" cannot be made");
     }
     const auto stem = input == "-" ? std::string("icon") : std::string(StemOf(input));
-    return FreeName(output, stem + std::string(suffix), extension, options.force);
+    return FreeName(run, output, stem + std::string(suffix), extension);
 }
 
 Existing ExistingPolicy(const Run& run) {
@@ -56,17 +60,6 @@ void WriteOutput(Run& run, const std::string& path, ByteSpan bytes) {
                 fmt::format("cannot write \"{}\": {}{}", path, error.what(), taken ? " (--force replaces it)" : ""));
         }
     }
-}
-
-std::string SafeFileName(std::string_view name) {
-    std::string out;
-    for (const char c : name) {
-        const bool bad = static_cast<unsigned char>(c) < 0x20 ||
-                         std::string_view("/\\:*?\"<>|\x7F").find(c) != std::string_view::npos;
-        out += bad ? '_' : c;
-    }
-    out = std::string(ClipUtf8(Trim(out), 200));
-    return out.empty() || out == "." || out == ".." ? "_" : out;
 }
 
 } // namespace pelorin::cli

@@ -12,8 +12,9 @@ namespace pelorin::cli {
 /// - else the derived name in the current folder.
 /// The derived name is the input's stem, `suffix` and the extension ("photo", "_2", "ico": photo_2.ico); where such a
 /// file exists and --force is not given, a counter from 2 makes it new: "photo_2 (2).ico".
+/// No two calls of one run give the same derived name, not with --force either. Safe on any thread.
 /// Throws `FileException` when the folder cannot be made or no name is free.
-[[nodiscard]] std::string OutputPath(const Run& run, std::string_view input, std::string_view suffix,
+[[nodiscard]] std::string OutputPath(Run& run, std::string_view input, std::string_view suffix,
                                      std::string_view extension, bool several);
 
 /// What may stand at the path already: with --force and --in-place it is replaced, else it is an error.
@@ -22,9 +23,5 @@ namespace pelorin::cli {
 /// Writes one product to the path that `OutputPath` gave ("-": standard output), with the backup that is asked for;
 /// with --dry-run only says so. Throws `FileException`.
 void WriteOutput(Run& run, const std::string& path, ByteSpan bytes);
-
-/// `name` as it may stand in a file name: slashes, control characters and what other systems forbid become "_"; never
-/// empty, "." or "..".
-[[nodiscard]] std::string SafeFileName(std::string_view name);
 
 } // namespace pelorin::cli

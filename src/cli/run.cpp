@@ -65,6 +65,11 @@ void Run::Fail(std::string_view file, std::string_view reason) {
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
+bool Run::Claim(const std::string& path) {
+    const std::lock_guard lock(m_mutex);
+    return m_claimed.insert(path).second;
+}
+
 bool Run::Attempt(std::string_view file, const std::function<void()>& work) {
     try {
         work();

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,6 +37,9 @@ public:
     void Fail(std::string_view file, std::string_view reason);
     [[nodiscard]] bool Failed() const { return m_failed; }
 
+    /// True when no file of this run has taken the path yet; from now on it is taken.
+    [[nodiscard]] bool Claim(const std::string& path);
+
     /// Calls `work`; what file and archive code throws, and memory that is not there, becomes `Fail` for `file`. True
     /// when nothing was thrown.
     bool Attempt(std::string_view file, const std::function<void()>& work);
@@ -58,6 +62,7 @@ private:
     const CommonOptions& m_options;
     std::mutex m_mutex;
     std::string m_pending;
+    std::set<std::string> m_claimed;
     bool m_failed = false;
     bool m_outputIsTerminal;
     std::unique_ptr<Progress> m_progress;

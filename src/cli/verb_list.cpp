@@ -112,6 +112,9 @@ VerbAction SetUpList(VerbSetup& setup) {
     auto files = std::make_shared<std::vector<std::string>>();
     setup.Inputs("FILE", *files, "files that carry icons");
     setup.Reports();
+    std::string kinds;
+    for (const auto* source : AllIconSources()) kinds += " " + std::string(source->name);
+    setup.Footer("Files that carry icons:" + kinds);
     return [files](Run& run) { run.Options().json ? ListAsJson(run, *files) : ListAsText(run, *files); };
 }
 

@@ -145,6 +145,11 @@ TEST_F(IconVerbs, Extract) {
     EXPECT_EQ(Run({"extract", "in.ico", "-o", "all"}).out,
               "all/in_16x16x32.png\nall/in_2x1x32.png\nall/in_32x32x4.png\n");
     EXPECT_EQ(test::At(ReadPng(Get("all/in_2x1x32.png")), 1, 0), 0x80FFFFFFu);
+    // Two images of one format never share a file, not even where files may be replaced.
+    Put("twins.ico", BuildIco({{.image = PlainIconBlock(2, 2, 1)}, {.image = PlainIconBlock(2, 2, 1)}}));
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(Run({"extract", "twins.ico", "--force"}).out, "twins_2x2x1.png\ntwins_2x2x1 (2).png\n");
+    }
     EXPECT_EQ(Run({"extract", "in.ico", "--index", "2", "-o", "two.bmp", "--as", "bmp"}).exitCode, 0);
     EXPECT_THAT(std::string(AsText(Get("two.bmp"))), StartsWith("BM"));
     EXPECT_EQ(Run({"extract", "in.ico", "--format", "32x32x4", "--as", "ico", "-o", "part.ico"}).exitCode, 0);
