@@ -156,6 +156,8 @@ void CompleteSettingsPaths(const StandardFolders& folders, std::string_view temp
         g_strPreviewTempDir = JoinPath(local.empty() ? tempFolder : local, "Vantrel/Temporary Preview Files");
     }
 
+    g_bLibrarianUpgradeDone = true; // whether its folders are made again is the other flag's to say
+
     const auto standard = JoinPath(folders.Documents(), "Vantrel Librarian/");
     if (g_strLibrarianLocation.empty()) g_strLibrarianLocation = standard;
     // A bare word is no place: this run uses the standard one, and the person's word stays for the person to mend.
