@@ -2,7 +2,6 @@
 
 #include "pixel/adjust.h"
 #include "pixel/alpha_mask.h"
-#include "pixel/bleed.h"
 #include "pixel/blend.h"
 #include "pixel/crop.h"
 #include "pixel/depth.h"
@@ -55,11 +54,7 @@ Surface TurnColors(const DibBlock& block32, double degrees, Size size) {
     const Size own = DibView(block32).GetSize();
     const auto wide = PlaceOnCanvas(block32, own.width + 2 * kMargin, own.height + 2 * kMargin,
                                     {kMargin, kMargin, kMargin + own.width, kMargin + own.height}, 0);
-    const DibView view(wide);
-    BledRows rows(view);
-    Surface bled(view.Width(), view.Height());
-    for (int y = 0; y < bled.Height(); ++y) std::memcpy(bled.Row(y), rows.Row(y), bled.Stride());
-    const auto turned = RotateBitmapSmooth(bled, degrees, 0x00FFFFFF);
+    const auto turned = RotateBitmapSmooth(SurfaceFromDIB(BleedColors(wide)), degrees, 0x00FFFFFF);
     const int left = (turned.Width() - size.width) / 2, top = (turned.Height() - size.height) / 2;
     return CopyRectOfBitmap(turned, {left, top, left + size.width, top + size.height});
 }
