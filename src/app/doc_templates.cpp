@@ -1,6 +1,7 @@
 #include "app/doc_templates.h"
 
 #include "app/picture_settings.h"
+#include "icon/icon_doc.h"
 
 namespace pelorin {
 
@@ -10,6 +11,10 @@ std::unique_ptr<CDocument> NewPicture(Services& services) {
     return std::make_unique<CDibDoc>(services, PictureSettings(), nullptr);
 }
 
+std::unique_ptr<CDocument> NewIcon(Services& services) {
+    return std::make_unique<CIconDoc>(services);
+}
+
 struct TemplateRow {
     DocKind kind;
     CDocTemplate::Factory factory; ///< null: no documents of this kind here
@@ -17,7 +22,7 @@ struct TemplateRow {
 };
 
 constexpr TemplateRow kTemplates[kDocKindCount] = {
-    {DocKind::Icon, nullptr},     {DocKind::MacIcon, nullptr, true}, {DocKind::Library, nullptr},
+    {DocKind::Icon, NewIcon},     {DocKind::MacIcon, NewIcon, true}, {DocKind::Library, nullptr},
     {DocKind::Explorer, nullptr}, {DocKind::Browser, nullptr},       {DocKind::Search, nullptr},
     {DocKind::Program, nullptr},  {DocKind::Image, NewPicture},      {DocKind::ImageObject, nullptr},
 };

@@ -1,10 +1,9 @@
 #include "icon/planes.h"
 
 #include "pixel/alpha_mask.h"
-#include "pixel/color.h"
+#include "pixel/color_memo.h"
+#include "pixel/map_palette.h"
 #include "pixel/visit_depth.h"
-
-#include <cstdlib>
 
 namespace pelorin {
 
@@ -32,50 +31,14 @@ void ReadRows(const std::uint8_t* rows, std::size_t stride, const Pixel& pixel, 
     }
 }
 
-// Finds table positions for colours: the first of the nearest by the sum of channel differences. Planes of an indexed
-// format hold few colours, so a small memory of past answers saves nearly all searches.
-class TableSearch {
-public:
-    TableSearch(const std::array<Rgb, 256>& table, int count) : m_table(table), m_count(count) { m_keys.fill(kNone); }
-
-    unsigned Find(Rgb color) {
-        const auto slot = (color ^ color >> 9 ^ color >> 17) % m_keys.size();
-        if (m_keys[slot] != color) {
-            m_keys[slot] = color;
-            m_answers[slot] = static_cast<std::uint8_t>(Search(color));
-        }
-        return m_answers[slot];
-    }
-
-private:
-    static constexpr Rgb kNone = 0xFFFFFFFF;
-
-    [[nodiscard]] int Search(Rgb color) const {
-        int best = 0, bestDistance = 10000;
-        for (int i = 0; i < m_count && bestDistance > 0; ++i) {
-            const Rgb entry = m_table[static_cast<std::size_t>(i)];
-            const int distance = std::abs(RedOf(entry) - RedOf(color)) + std::abs(GreenOf(entry) - GreenOf(color)) +
-                                 std::abs(BlueOf(entry) - BlueOf(color));
-            if (distance < bestDistance) {
-                bestDistance = distance;
-                best = i;
-            }
-        }
-        return best;
-    }
-
-    const std::array<Rgb, 256>& m_table;
-    int m_count;
-    std::array<Rgb, 1024> m_keys{};
-    std::array<std::uint8_t, 1024> m_answers{};
-};
-
 template <int Bits>
-void WriteIndexedRows(const Surface& image, TableSearch& search, std::uint8_t* rows, std::size_t stride) {
+void WriteIndexedRows(const Surface& image, std::span<const Rgb> table, std::uint8_t* rows, std::size_t stride) {
+    ColorMemo<std::uint8_t> memo;
+    const auto find = [&](Rgb color) { return NearestByChannels(table, color); };
     for (int y = 0; y < image.Height(); ++y) {
         const auto* from = image.Row(y);
         auto* to = rows + stride * static_cast<std::size_t>(y);
-        for (int x = 0; x < image.Width(); ++x, from += 4) PutIndex<Bits>(to, x, search.Find(LoadU32LE(from) & kWhite));
+        for (int x = 0; x < image.Width(); ++x, from += 4) PutIndex<Bits>(to, x, memo.Get(LoadU32LE(from), find));
     }
 }
 
@@ -97,12 +60,10 @@ void WriteColorRows(const Surface& image, const CPalette& table, const IconBlock
         }
         return;
     }
-    const auto colors = FullTable(table);
-    TableSearch search(colors, static_cast<int>(table.colors.size()));
     for (std::size_t i = 0; i < table.colors.size(); ++i) StoreU32LE(block + kDibHeaderSize + i * 4, table.colors[i]);
-    if (layout.bits == 8) WriteIndexedRows<8>(image, search, rows, layout.xorStride);
-    if (layout.bits == 4) WriteIndexedRows<4>(image, search, rows, layout.xorStride);
-    if (layout.bits == 1) WriteIndexedRows<1>(image, search, rows, layout.xorStride);
+    if (layout.bits == 8) WriteIndexedRows<8>(image, table.colors, rows, layout.xorStride);
+    if (layout.bits == 4) WriteIndexedRows<4>(image, table.colors, rows, layout.xorStride);
+    if (layout.bits == 1) WriteIndexedRows<1>(image, table.colors, rows, layout.xorStride);
 }
 
 // The table that a block of this depth gets.

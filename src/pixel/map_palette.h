@@ -24,6 +24,9 @@ enum class PaletteKind { Adaptive, WebSafe, Windows, MacOs };
 [[nodiscard]] DibBlock ReduceColors(const DibBlock& block24, int colors, bool dither, PaletteKind paletteKind,
                                     bool keepTransparentSlot);
 
+/// The first of the entries (at most 256) with the smallest |dr| + |dg| + |db|.
+[[nodiscard]] std::uint8_t NearestByChannels(std::span<const Rgb> table, Rgb color);
+
 /// Fills the rows of an 8-bpp block of the bitmap's size, and its table, by the smallest |dr| + |dg| + |db|; the first
 /// of equal entries stands. False, with nothing changed, when depth or size do not fit.
 bool MapBitmapToPaletteL1(DibBlock& block8, const Surface& bitmap, std::span<const Rgb> palette);

@@ -8,12 +8,10 @@
 
 namespace pelorin {
 
-namespace {
-
-std::uint8_t NearestByChannels(const ColorTable& table, Rgb color) {
+std::uint8_t NearestByChannels(std::span<const Rgb> table, Rgb color) {
     int best = 10'000;
     std::size_t index = 0;
-    for (std::size_t i = 0; i < table.size(); ++i) {
+    for (std::size_t i = 0; i < table.size() && best > 0; ++i) {
         const Rgb entry = table[i];
         const int distance = std::abs(RedOf(entry) - RedOf(color)) + std::abs(GreenOf(entry) - GreenOf(color)) +
                              std::abs(BlueOf(entry) - BlueOf(color));
@@ -24,6 +22,8 @@ std::uint8_t NearestByChannels(const ColorTable& table, Rgb color) {
     }
     return static_cast<std::uint8_t>(index);
 }
+
+namespace {
 
 // The file's table with the transparent entry moved to its last place.
 ColorTable TableWithSlotLast(ByteSpan rgbTable, int entries, int transparentIndex) {
