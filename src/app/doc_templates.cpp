@@ -1,6 +1,8 @@
 #include "app/doc_templates.h"
 
 #include "app/picture_settings.h"
+#include "containers/exe_doc.h"
+#include "containers/icl_doc.h"
 #include "icon/icon_doc.h"
 
 namespace pelorin {
@@ -11,8 +13,9 @@ std::unique_ptr<CDocument> NewPicture(Services& services) {
     return std::make_unique<CDibDoc>(services, PictureSettings(), nullptr);
 }
 
-std::unique_ptr<CDocument> NewIcon(Services& services) {
-    return std::make_unique<CIconDoc>(services);
+template <class Document>
+std::unique_ptr<CDocument> New(Services& services) {
+    return std::make_unique<Document>(services);
 }
 
 struct TemplateRow {
@@ -22,9 +25,11 @@ struct TemplateRow {
 };
 
 constexpr TemplateRow kTemplates[kDocKindCount] = {
-    {DocKind::Icon, NewIcon},     {DocKind::MacIcon, NewIcon, true}, {DocKind::Library, nullptr},
-    {DocKind::Explorer, nullptr}, {DocKind::Browser, nullptr},       {DocKind::Search, nullptr},
-    {DocKind::Program, nullptr},  {DocKind::Image, NewPicture},      {DocKind::ImageObject, nullptr},
+    {DocKind::Icon, New<CIconDoc>},       {DocKind::MacIcon, New<CIconDoc>, true},
+    {DocKind::Library, New<CFileIclDoc>}, {DocKind::Explorer, nullptr},
+    {DocKind::Browser, nullptr},          {DocKind::Search, nullptr},
+    {DocKind::Program, New<CFileExeDoc>}, {DocKind::Image, NewPicture},
+    {DocKind::ImageObject, nullptr},
 };
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "app/system_hooks.h"
 
 #include "base/files.h"
-#include "icon/icon_list_content.h"
+#include "icon/icon_doc.h"
 #include "icon/icon_sources.h"
 
 namespace pelorin {
@@ -11,12 +11,13 @@ std::unique_ptr<IconListContent> SystemHooks::ReadIconList(const std::string& pa
         const auto file = FileView::Open(path);
         const auto* source = FindIconSource(file.Data(), GetFileKind(path));
         if (source == nullptr) return nullptr;
-        auto icons = std::make_unique<IconGroupList>();
+        std::vector<CIconGroup> icons;
         const bool whole = source->visit(file.Data(), [&icons](CIconGroup& group) {
-            icons->m_arrIcons.push_back(std::move(group));
+            icons.push_back(std::move(group));
             return true;
         });
-        return whole || icons->Count() > 0 ? std::move(icons) : nullptr;
+        if (!whole && icons.empty()) return nullptr;
+        return std::make_unique<IconGroupsContent>(std::move(icons));
     } catch (const FileException&) {
         return nullptr;
     }

@@ -1,8 +1,9 @@
 #include "app/doc_templates.h"
 #include "app/open_report.h"
 #include "app/system_hooks.h"
+#include "containers/icl_doc.h"
 #include "core/user_prompt.h"
-#include "icon/icon_list_content.h"
+#include "icon/icon_doc.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
@@ -12,9 +13,7 @@ namespace {
 
 struct ThreeIcons final : OpenHooks {
     std::unique_ptr<IconListContent> ReadIconList(const std::string&) override {
-        auto icons = std::make_unique<IconGroupList>();
-        icons->m_arrIcons.resize(3);
-        return icons;
+        return std::make_unique<IconGroupsContent>(std::vector<CIconGroup>(3));
     }
     bool HasMacintoshIcon(const std::string&) override { return true; }
 };
@@ -71,13 +70,32 @@ TEST(DocTemplates, StandInTheOrderOfTheirKinds) {
     CPelorinApp app(services, {});
     RegisterDocTemplates(app);
     ASSERT_EQ(app.GetTemplateCount(), kDocKindCount);
-    std::string ids;
+    std::string ids, with;
     for (int i = 0; i < kDocKindCount; ++i) {
         const auto& row = app.GetTemplate(static_cast<DocKind>(i));
         EXPECT_EQ(row.IsMacintosh(), i == 1);
+        if (row.HasDocuments()) with += std::to_string(i + 1);
         ids += std::to_string(row.GetStringId()) + " ";
     }
     EXPECT_EQ(ids, "101 113 104 110 112 111 105 109 114 ");
+    EXPECT_EQ(with, "12378");
+}
+
+// The icons that were counted to find the receiver are those that it shows.
+TEST(DocTemplates, AMacintoshFileWithManyIconsArrivesAsALibrary) {
+    const test::TempFolder folder;
+    ScriptedPrompt prompt;
+    Services services;
+    services.prompt = &prompt;
+    ThreeIcons hooks;
+    CPelorinApp::Parts parts;
+    parts.hooks = &hooks;
+    CPelorinApp app(services, parts);
+    RegisterDocTemplates(app);
+    auto* library = dynamic_cast<CFileIclDoc*>(app.OpenDocumentFile(folder.File("a.icns", "x")));
+    ASSERT_NE(library, nullptr);
+    EXPECT_EQ(library->GetCount(), 3);
+    EXPECT_TRUE(prompt.Shown().empty());
 }
 
 } // namespace
