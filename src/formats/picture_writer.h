@@ -35,6 +35,8 @@ struct PictureSaveOptions {
     double jp2Rate = 0;
     /// An 8-bpp block becomes one grey JPEG 2000 component whose samples are the indices.
     bool jp2Gray = false;
+    /// PNG: take the time to find the smallest file (for icons, which are read more often than written).
+    bool pngSmallest = false;
     /// Extension of the file that is written, without the dot; set by the dispatcher. JPEG 2000 asks for it.
     std::string_view extension{};
     Progress* progress = nullptr;

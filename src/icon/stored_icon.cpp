@@ -87,7 +87,9 @@ bool CVnIcon::ReadFromMemory(ByteSpan data, std::uint32_t bytes, int bits) {
 
 Bytes CVnIcon::WriteCompressed() {
     Bytes file;
-    if (WritePng(IconBlockToDIB32(m_hImage), {}, file) != 0) file.clear();
+    PictureSaveOptions options;
+    options.pngSmallest = true;
+    if (WritePng(IconBlockToDIB32(m_hImage), options, file) != 0) file.clear();
     return file;
 }
 
