@@ -6,6 +6,7 @@
 #include "formats/iff.h"
 #include "formats/jpeg.h"
 #include "formats/jpeg2000.h"
+#include "formats/metafile.h"
 #include "formats/pcd.h"
 #include "formats/pcx.h"
 #include "formats/png.h"
@@ -32,6 +33,7 @@ std::deque<PictureFormat>& Formats() {
         {kKindPcx, "PCX", IsPcx, ReadPcx},
         {kKindPng, "PNG", IsPng, ReadPng},
         {kKindTga, "TGA", IsTga, ReadTga},
+        {kKindWmf, "WMF", IsMetafile, ReadMetafile},
         {kKindTiff, "TIFF", IsTiff, ReadTiff},
     };
     return formats;
