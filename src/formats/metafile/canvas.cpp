@@ -98,6 +98,11 @@ void Canvas::Span(int y, int left, int right, const Ink& ink, Rop rop) {
     left = std::max(left, 0);
     right = std::min(right, Width());
     if (y < 0 || y >= Height() || left >= right || !Spend(static_cast<std::uint64_t>(right - left))) return;
+    if (ink.kind == Ink::Kind::Solid && rop == kCopyPattern && !m_clip) {
+        auto* to = m_surface.PictureRow(y) + std::ptrdiff_t{4} * left;
+        for (int x = left; x < right; ++x, to += 4) StoreU32LE(to, 0xFF000000u | ink.color);
+        return;
+    }
     Rgb color = 0;
     for (int x = left; x < right; ++x) {
         if (ink.ColorAt(x, y, color)) Put(x, y, rop, color);

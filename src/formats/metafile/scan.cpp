@@ -4,6 +4,9 @@ namespace pelorin::metafile {
 
 namespace {
 
+// Sorting makes an edge that crosses a row as dear as so many pixels.
+constexpr std::uint64_t kWorkOfEdge = 8;
+
 struct Edge {
     int top, bottom, direction;
     double x, step; // at `top`, and a row further
@@ -51,7 +54,7 @@ void GiveSpans(const std::vector<Crossing>& crossings, bool winding, int y, int 
 
 void ScanFigures(Canvas& canvas, const Figures& figures, bool winding, const SpanSink& sink) {
     const auto edges = CollectEdges(canvas, figures);
-    if (!canvas.Spend(edges.size())) return;
+    if (!canvas.Spend(edges.size() * kWorkOfEdge)) return;
     std::vector<const Edge*> active;
     std::vector<Crossing> crossings;
     std::size_t next = 0;
@@ -59,7 +62,7 @@ void ScanFigures(Canvas& canvas, const Figures& figures, bool winding, const Spa
         while (next < edges.size() && edges[next].top <= y) active.push_back(&edges[next++]);
         std::erase_if(active, [&](const Edge* edge) { return edge->bottom <= y; });
         if (active.empty() && next == edges.size()) return;
-        if (!canvas.Spend(active.size() + 1)) return;
+        if (!canvas.Spend(active.size() * kWorkOfEdge + 1)) return;
         crossings.clear();
         for (const auto* edge : active) crossings.push_back({edge->x + edge->step * (y - edge->top), edge->direction});
         std::sort(crossings.begin(), crossings.end(), [](const Crossing& a, const Crossing& b) { return a.x < b.x; });
