@@ -24,6 +24,7 @@ bool CDibDoc::LoadPictureFile(const std::string& path) {
     m_Image = std::move(image);
     m_facts = std::move(facts);
     m_bGifView = m_Image.m_nPaletteBits > 0;
+    m_strLayeredPsd = m_facts.kind == kKindPsd && m_facts.layers.size() > 1 ? path : std::string();
     ++m_nVersion;
     return true;
 }
@@ -42,6 +43,7 @@ void CDibDoc::DeleteContents() {
     m_Image = CDIB();
     m_facts = {};
     m_bGifView = m_bOptionsChosen = false;
+    m_strLayeredPsd.clear();
     ++m_nVersion;
 }
 

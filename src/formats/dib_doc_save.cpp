@@ -1,3 +1,4 @@
+#include "base/files.h"
 #include "core/file_kinds.h"
 #include "core/services.h"
 #include "core/user_prompt.h"
@@ -87,6 +88,10 @@ bool CDibDoc::OnSaveDocument(const std::string& path) {
     if (kind == kKindNone) kind = g_nSaveKind;
     if (kind == kKindNone) kind = kKindBmp;
     if (!PictureSaverOfKind(kind)) return false;
+    if (!m_strLayeredPsd.empty() && SameFile(path, m_strLayeredPsd)) {
+        GetServices().prompt->Tell(PromptIcon::Stop, str::kLayeredPsdNotWritten);
+        return false;
+    }
 
     const bool chosen = std::exchange(m_bOptionsChosen, false);
     if (SaveAs(kind, path, chosen) != 0) {

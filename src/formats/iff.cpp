@@ -1,6 +1,7 @@
 #include "formats/iff.h"
 
 #include "formats/iff_form.h"
+#include "formats/packbits.h"
 #include "formats/reader_support.h"
 #include "pixel/visit_depth.h"
 
@@ -12,30 +13,18 @@ namespace {
 class RowSource {
 public:
     explicit RowSource(const IffForm& form) : m_in(form.body), m_packed(form.packed) {}
+    RowSource(const RowSource&) = delete;
+    RowSource& operator=(const RowSource&) = delete;
 
     bool Read(MutableByteSpan row) {
-        for (auto& byte : row) byte = m_packed ? Next() : m_in.U8();
+        for (auto& byte : row) byte = m_packed ? m_runs.Next() : m_in.U8();
         return m_in.Ok();
     }
 
 private:
-    std::uint8_t Next() {
-        while (m_left == 0 && m_in.Ok()) {
-            const int n = m_in.I8();
-            if (n == -128) continue;
-            m_literal = n >= 0;
-            m_left = m_literal ? n + 1 : 1 - n;
-            if (!m_literal) m_value = m_in.U8();
-        }
-        --m_left;
-        return m_literal ? m_in.U8() : m_value;
-    }
-
     ByteReader m_in;
+    PackBitsReader m_runs{m_in};
     bool m_packed;
-    bool m_literal = false;
-    int m_left = 0;
-    std::uint8_t m_value = 0;
 };
 
 // The values of one row: indices, or colours with blue in the high bits as the planes have them.

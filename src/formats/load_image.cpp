@@ -10,6 +10,7 @@
 #include "formats/pcd.h"
 #include "formats/pcx.h"
 #include "formats/png.h"
+#include "formats/psd.h"
 #include "formats/tga.h"
 #include "formats/tiff.h"
 #include "pixel/depth.h"
@@ -32,6 +33,7 @@ std::deque<PictureFormat>& Formats() {
         {kKindPcd, "Photo CD", IsPcd, ReadPcd},
         {kKindPcx, "PCX", IsPcx, ReadPcx},
         {kKindPng, "PNG", IsPng, ReadPng},
+        {kKindPsd, "PSD", IsPsd, ReadPsd},
         {kKindTga, "TGA", IsTga, ReadTga},
         {kKindWmf, "WMF", IsMetafile, ReadMetafile},
         {kKindTiff, "TIFF", IsTiff, ReadTiff},

@@ -9,6 +9,7 @@
 #include "formats/jpeg.h"
 #include "formats/jpeg2000.h"
 #include "formats/png.h"
+#include "formats/psd.h"
 
 namespace pelorin {
 
@@ -26,6 +27,7 @@ constexpr PictureSaver kSavers[] = {
     {kKindJpeg, "JPEG", "jpg", WriteJpeg, Depths({1, 4, 8, 24}), 2, true},
     {kKindJpeg2000, "JPEG 2000", "jp2", WriteJpeg2000, Depths({1, 4, 8, 24, 32}), 1},
     {kKindPng, "PNG", "png", WritePng, Depths({1, 4, 8, 24, 32}), 1},
+    {kKindPsd, "PSD", "psd", WritePsd, Depths({1, 4, 8, 24, 32}), 2},
 };
 
 constexpr int kIgnored = 1;

@@ -4,6 +4,7 @@
 #include "formats/load_file.h"
 #include "formats/save_image.h"
 #include "support/dib_builder.h"
+#include "support/psd_builder.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
@@ -118,6 +119,24 @@ TEST_F(DibDocTest, TypeOfASave) {
         EXPECT_EQ(facts.format, c.format ? c.format : "") << c.name;
     }
     EXPECT_TRUE(prompt.Shown().empty());
+}
+
+TEST_F(DibDocTest, APhotoshopFileWithLayersIsNotOverwritten) {
+    const auto layers = [](std::size_t count) {
+        const test::psd::Layer layer{{0, 0, 1, 1}, test::psd::FlatPlanes(1, 1, 2, 3)};
+        return test::psd::LayerBlock(static_cast<int>(count), std::vector(count, layer));
+    };
+    const auto file = test::psd::MakeFile({4, 1, 1}, layers(2), {0, 0, 1, 2, 3, 4});
+    const auto path = folder.File("a.psd", AsText(file));
+    ASSERT_TRUE(document.OnOpenDocument(path));
+    EXPECT_FALSE(document.OnSaveDocument(path));
+    EXPECT_EQ(ReadFileStart(path, 1 << 20), file);
+    ASSERT_EQ(prompt.TakeTexts().size(), 1u);
+    EXPECT_TRUE(document.OnSaveDocument(folder.Path("b.psd"))) << "a copy is allowed";
+
+    folder.File("a.psd", AsText(test::psd::MakeFile({4, 1, 1}, layers(1), {0, 0, 1, 2, 3, 4})));
+    ASSERT_TRUE(document.OnOpenDocument(path));
+    EXPECT_TRUE(document.OnSaveDocument(path)) << "one layer is all that is written";
 }
 
 TEST_F(DibDocTest, FailedSaveIsToldAndCountsAsDone) {
