@@ -1,6 +1,7 @@
 #include "icon/icon_pictures.h"
 
 #include "core/file_kinds.h"
+#include "icon/ani_file.h"
 #include "icon/ico_file.h"
 #include "icon/icon_block.h"
 #include "pixel/depth.h"
@@ -47,6 +48,7 @@ DibBlock ReadChosen(ByteSpan file, const PictureRequest& request, PictureFacts& 
 }
 
 constexpr PictureFormat kFormats[] = {
+    {kKindAni, "ANI", IsAni, ReadAni},
     {kKindIco, "ICO", [](ByteSpan file) { return IcoTypeOf(file) == kIcoTypeIcon; }, ReadIconPicture},
     {kKindCur, "CUR", [](ByteSpan file) { return IcoTypeOf(file) == kIcoTypeCursor; }, ReadCursorPicture},
 };

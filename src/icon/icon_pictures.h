@@ -13,7 +13,7 @@ namespace pelorin {
 /// deeper one first.
 [[nodiscard]] DibBlock ReadCursorPicture(ByteSpan file, const PictureRequest& request, PictureFacts& facts);
 
-/// The rows of both for the table of picture readers.
+/// The rows of these and of animated cursors for the table of picture readers.
 [[nodiscard]] std::span<const PictureFormat> IconPictureFormats();
 
 } // namespace pelorin

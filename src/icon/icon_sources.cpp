@@ -1,5 +1,6 @@
 #include "icon/icon_sources.h"
 
+#include "icon/ani_file.h"
 #include "icon/ico_file.h"
 #include "icon/ico_inspect.h"
 
@@ -21,6 +22,7 @@ std::deque<IconSource>& Sources() {
     static std::deque<IconSource> sources = {
         {kKindIco, "ico", [](ByteSpan file) { return IcoTypeOf(file) == kIcoTypeIcon; }, VisitIco, InspectIco},
         {kKindCur, "cur", [](ByteSpan file) { return IcoTypeOf(file) == kIcoTypeCursor; }, VisitIco, InspectIco},
+        {kKindAni, "ani", IsAni, VisitAniFrames, InspectAni},
     };
     return sources;
 }

@@ -1,0 +1,108 @@
+#include "icon/ani_file.h"
+
+#include "icon/ani_chunks.h"
+#include "icon/ico_file.h"
+#include "icon/icon_picture32.h"
+
+#include <fmt/format.h>
+
+namespace pelorin {
+
+namespace {
+
+bool ReadFirstImage(ByteSpan icoFile, CVnIcon& icon) {
+    IcoDirectory directory;
+    return ReadIcoDirectory(icoFile, directory) && ReadIcoImage(icoFile, directory.entries.front(), icon);
+}
+
+// The steps that have a frame, in order.
+std::vector<AniStep> ShownSteps(const AniChunks& ani) {
+    std::vector<AniStep> shown;
+    std::copy_if(ani.steps.begin(), ani.steps.end(), std::back_inserter(shown),
+                 [](const AniStep& step) { return step.frame >= 0; });
+    return shown;
+}
+
+bool AppendStep(const AniChunks& ani, const AniStep& step, std::vector<CAniObject>& list, std::int64_t& pixels) {
+    CVnIcon icon;
+    if (!ReadFirstImage(ani.FrameFile(step.frame), icon)) return false;
+    // A short file can show one large frame as often as it likes.
+    pixels += std::int64_t{icon.m_nWidth} * icon.m_nHeight;
+    if (pixels > kMaxPixels) return false;
+    CDIB dib(IconPicture32(icon));
+    if (dib.Empty()) return false;
+    dib.m_nFrameRate = static_cast<int>(step.rate);
+    list.emplace_back(std::move(dib));
+    return true;
+}
+
+} // namespace
+
+int ReadAniFile(ByteSpan file, std::vector<CAniObject>& list, AniInfo* info) {
+    AniChunks ani;
+    if (!ReadAniChunks(file, ani)) return 0;
+    std::vector<CAniObject> read;
+    std::int64_t pixels = 0;
+    for (const auto& step : ShownSteps(ani)) {
+        if (!AppendStep(ani, step, read, pixels)) return 0;
+    }
+    if (info) *info = ani.info;
+    std::move(read.begin(), read.end(), std::back_inserter(list));
+    return static_cast<int>(read.size());
+}
+
+bool ReadAniPreview(ByteSpan file, CIconGroup& group) {
+    AniChunks ani;
+    return ReadAniChunks(file, ani) && !ani.frames.empty() && ReadIcoGroup(ani.FrameFile(0), group);
+}
+
+DibBlock ReadAni(ByteSpan file, const PictureRequest& request, PictureFacts& facts) {
+    AniChunks ani;
+    if (request.layer > 0 || request.frame < 0 || !ReadAniChunks(file, ani)) return {};
+    const auto steps = ShownSteps(ani);
+    if (static_cast<std::size_t>(request.frame) >= steps.size()) {
+        facts.frames = static_cast<int>(steps.size());
+        return {};
+    }
+    const auto& step = steps[static_cast<std::size_t>(request.frame)];
+    CVnIcon icon;
+    if (!ReadFirstImage(ani.FrameFile(step.frame), icon)) return {};
+    facts.bits = icon.ShownBitCount();
+    facts.frames = static_cast<int>(steps.size());
+    facts.delay = static_cast<int>(step.rate);
+    return IconPicture32(icon);
+}
+
+bool VisitAniFrames(ByteSpan file, const IconVisitor& visitor) {
+    AniChunks ani;
+    if (!ReadAniChunks(file, ani) || ani.frames.empty()) return false;
+    for (int i = 0; i < static_cast<int>(ani.frames.size()); ++i) {
+        CIconGroup group;
+        if (!ReadIcoGroup(ani.FrameFile(i), group)) return false;
+        if (!visitor(group)) return true;
+    }
+    return true;
+}
+
+void InspectAni(ByteSpan file, IconFileReport& report) {
+    AniChunks ani;
+    if (!ReadAniChunks(file, ani)) {
+        report.oddities.push_back("the file has no icon frames, or it is damaged");
+        return;
+    }
+    const auto fact = [&](const char* name, const auto& value) {
+        report.facts.emplace_back(name, fmt::format("{}", value));
+    };
+    fact("frames", ani.frames.size());
+    fact("steps", ani.steps.size());
+    fact("default_rate", ani.header.rate);
+    if (!ani.info.title.empty()) fact("title", ani.info.title);
+    if (!ani.info.artist.empty()) fact("artist", ani.info.artist);
+    if (ani.header.frames != ani.frames.size())
+        report.oddities.push_back(
+            fmt::format("the header says {} frames, the file has {}", ani.header.frames, ani.frames.size()));
+    const auto missing = ani.steps.size() - ShownSteps(ani).size();
+    if (missing > 0) report.oddities.push_back(fmt::format("{} steps show frames that are not there", missing));
+}
+
+} // namespace pelorin
