@@ -30,6 +30,7 @@ bool CVnIcon::Create(int width, int height, int colors, bool alpha) {
     m_nBytes = size;
     m_hImage.assign(size, 0);
     m_pPngData.clear();
+    m_nCacheWidth = m_nCacheHeight = 0;
     return true;
 }
 
@@ -51,6 +52,8 @@ void CVnIcon::Copy(const CVnIcon& other) {
     m_hImage = other.m_hImage;
     m_hPreview = {};
     m_nPreviewInfo = m_nSavedOffset = m_nSavedIndex = 0;
+    m_DrawCache.Clear();
+    m_nCacheWidth = m_nCacheHeight = 0;
     m_pPngData.clear();
 }
 

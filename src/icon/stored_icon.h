@@ -4,6 +4,7 @@
 
 #include "icon/icon_block.h"
 #include "icon/icon_format.h"
+#include "pixel/cdib.h"
 
 namespace pelorin {
 
@@ -39,6 +40,8 @@ public:
     std::uint32_t m_nSavedOffset = 0, m_nSavedIndex = 0;
     DibBlock m_hPreview;
     std::uint32_t m_nPreviewInfo = 0;
+    CDIB m_DrawCache; ///< the picture at the size last drawn, which is kept beside it
+    int m_nCacheWidth = 0, m_nCacheHeight = 0;
 
     /// 1, 4, 8, 24 or 32 by colours and alpha; 0 for an unusual number of colours.
     [[nodiscard]] int BitCount() const { return IconBitCount(m_nColors, m_bAlpha); }
