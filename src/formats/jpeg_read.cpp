@@ -1,5 +1,6 @@
 #include "core/strings.h"
 #include "formats/jpeg.h"
+#include "formats/jpeg_eighth.h"
 #include "formats/jpeg_error.h"
 
 namespace pelorin {
@@ -29,6 +30,8 @@ public:
         return {static_cast<int>(m_codec.output_width), static_cast<int>(m_codec.output_height)};
     }
 
+    /// The short way to an eighth of the size; empty when there is only the library's.
+    [[nodiscard]] DibBlock ReadEighth() const { return ReadJpegEighth(m_codec); }
     [[nodiscard]] bool Start(J_COLOR_SPACE space, unsigned scale);
     [[nodiscard]] bool StartIndexed(const Rgb* palette);
     /// Entry `i` of the colour map in use.
@@ -135,8 +138,11 @@ DibBlock ReadJpeg(ByteSpan file, const PictureRequest& request, PictureFacts& fa
     facts.width = decoder.Width();
     facts.height = decoder.Height();
     facts.bits = 24;
-    const auto space = decoder.Inks() ? JCS_CMYK : JCS_EXT_BGR;
-    if (!decoder.Start(space, request.preview ? PreviewScale(facts.width, facts.height) : 1)) return {};
+    const unsigned scale = request.preview ? PreviewScale(facts.width, facts.height) : 1;
+    if (scale == 8) {
+        if (auto block = decoder.ReadEighth()) return block;
+    }
+    if (!decoder.Start(decoder.Inks() ? JCS_CMYK : JCS_EXT_BGR, scale)) return {};
 
     const auto size = decoder.OutputSize();
     // A preview is made beside other work: it shows no bar.

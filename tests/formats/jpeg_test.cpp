@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <jpeglib.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -148,6 +149,113 @@ TEST(Jpeg, DamagedFilesNeverCrash) {
         auto damaged = file;
         damaged[i] ^= 0x55;
         const auto block = Read(damaged, false, facts);
+        EXPECT_TRUE(!block || DibView(block));
+    }
+}
+
+// What the library makes of a file at an eighth.
+DibBlock LibraryEighth(const Bytes& file) {
+    jpeg_decompress_struct codec;
+    jpeg_error_mgr errors;
+    codec.err = jpeg_std_error(&errors);
+    jpeg_create_decompress(&codec);
+    jpeg_mem_src(&codec, file.data(), file.size());
+    jpeg_read_header(&codec, TRUE);
+    codec.scale_num = 1;
+    codec.scale_denom = 8;
+    codec.out_color_space = JCS_EXT_BGR;
+    jpeg_start_decompress(&codec);
+    auto block = CreateDIB(static_cast<int>(codec.output_width), static_cast<int>(codec.output_height), 24);
+    const DibRows rows(block);
+    for (int y = 0; y < rows.Height(); ++y) {
+        JSAMPROW row[1] = {rows.PictureRow(y)};
+        jpeg_read_scanlines(&codec, row, 1);
+    }
+    jpeg_destroy_decompress(&codec);
+    return block;
+}
+
+// A grainy picture as another program may write it.
+struct Grain {
+    int width, height, across = 1, down = 1, quality = 75;
+    bool grey = false, optimal = false, progressive = false;
+    unsigned restart = 0;
+};
+
+Bytes MakeGrain(const Grain& g) {
+    jpeg_compress_struct codec;
+    jpeg_error_mgr errors;
+    codec.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&codec);
+    unsigned char* data = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&codec, &data, &size);
+    codec.image_width = static_cast<JDIMENSION>(g.width);
+    codec.image_height = static_cast<JDIMENSION>(g.height);
+    codec.input_components = g.grey ? 1 : 3;
+    codec.in_color_space = g.grey ? JCS_GRAYSCALE : JCS_RGB;
+    jpeg_set_defaults(&codec);
+    jpeg_set_quality(&codec, g.quality, TRUE);
+    codec.comp_info[0].h_samp_factor = g.across;
+    codec.comp_info[0].v_samp_factor = g.down;
+    codec.optimize_coding = g.optimal;
+    codec.restart_interval = g.restart;
+    if (g.progressive) jpeg_simple_progression(&codec);
+    jpeg_start_compress(&codec, TRUE);
+    std::uint32_t seed = static_cast<std::uint32_t>(g.width * g.quality);
+    Bytes row(static_cast<std::size_t>(g.width * codec.input_components));
+    JSAMPROW rows[1] = {row.data()};
+    for (int y = 0; y < g.height; ++y) {
+        for (std::size_t x = 0; x < row.size(); ++x) {
+            seed = seed * 1664525 + 1013904223;
+            const auto edge = x / 40 % 3 == 0 ? 200u : 30u;
+            const auto grain = (seed >> 24) / (1 + static_cast<unsigned>(y) / 64);
+            row[x] = static_cast<std::uint8_t>(std::min<std::size_t>(255, edge + grain + x % 3 * 20));
+        }
+        jpeg_write_scanlines(&codec, rows, 1);
+    }
+    jpeg_finish_compress(&codec);
+    jpeg_destroy_compress(&codec);
+    Bytes file(data, data + size);
+    std::free(data);
+    return file;
+}
+
+TEST(Jpeg, EighthIsTheLibrarysToTheByte) {
+    const Grain cases[] = {
+        {320, 304},
+        {333, 301, 2, 2},
+        {333, 301, 2, 1},
+        {333, 301, 1, 2},
+        {317, 309, 2, 2, 100, false, true},
+        {317, 309, 1, 1, 98, false, true},
+        {400, 300, 2, 2, 5},
+        {301, 347, 1, 1, 60, true},
+        {301, 347, 2, 2, 60, true, true},
+        {333, 301, 2, 2, 90, false, false, false, 3},
+        {333, 301, 1, 1, 90, true, true, false, 1},
+        {333, 301, 4, 1},
+        {333, 301, 2, 2, 75, false, true, true},
+    };
+    for (const auto& g : cases) {
+        const auto file = MakeGrain(g);
+        PictureFacts facts;
+        const auto block = Read(file, true, facts), library = LibraryEighth(file);
+        ASSERT_EQ(DIBWidth(block), DIBWidth(library));
+        EXPECT_TRUE(std::ranges::equal(block.Span(), library.Span()))
+            << g.width << "x" << g.height << " " << g.across << g.down << " " << g.quality;
+    }
+}
+
+TEST(Jpeg, DamagedPreviewsGoTheLibrarysWay) {
+    const auto file = MakeGrain({301, 301, 2, 2, 50, false, true, false, 20});
+    PictureFacts facts;
+    for (std::size_t size = 600; size < file.size(); size += 997)
+        EXPECT_EQ(DIBWidth(Read(ByteSpan(file).first(size), true, facts)), 38);
+    for (std::size_t i = 600; i < file.size(); i += 211) {
+        auto damaged = file;
+        damaged[i] ^= 0x5A;
+        const auto block = Read(damaged, true, facts);
         EXPECT_TRUE(!block || DibView(block));
     }
 }
