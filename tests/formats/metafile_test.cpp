@@ -1,6 +1,7 @@
 #include "formats/metafile.h"
 #include "formats/metafile/dib_source.h"
 #include "formats/metafile/raster.h"
+#include "pixel/color.h"
 #include "support/dib_builder.h"
 #include "support/hostile.h"
 
@@ -134,6 +135,83 @@ TEST(Metafile, LinesTextAndRegions) {
     EXPECT_GT(black, 30);
     EXPECT_GE(highest, 8 + 2);
     EXPECT_LE(lowest - highest, 16);
+}
+
+// Where the black pixels of a picture lie.
+Rect BlackBox(const DibBlock& block) {
+    Rect box{999, 999, 0, 0};
+    for (int y = 0; y < DIBHeight(block); ++y) {
+        for (int x = 0; x < DIBWidth(block); ++x) {
+            if (At(block, x, y) != kBlack) continue;
+            box = {std::min(box.left, x), std::min(box.top, y), std::max(box.right, x + 1),
+                   std::max(box.bottom, y + 1)};
+        }
+    }
+    return box;
+}
+
+TEST(Metafile, TextStandsWhereItsAlignmentSays) {
+    struct Case {
+        int align;
+        int left, right, top, bottom; // limits of the black box around (32, 32)
+    };
+    const Case cases[] = {
+        {0, 32, 64, 32, 58},  // left, top
+        {24, 32, 64, 12, 33}, // left, base line
+        {8, 32, 64, 0, 32},   // left, bottom
+        {2 | 24, 0, 33, 12, 33}, {6 | 24, 18, 46, 12, 33},
+    };
+    for (const auto& c : cases) {
+        auto file = Placeable(64, 64, 96);
+        file.Record(0x0102, {1}).Record(0x012E, {c.align}).Record(0x02FB, {-20, 0, 0, 0, 400, 0, 0, 0, 0});
+        file.Record(0x012D, {0}).Record(0x0521, {2, 'H' | 'I' << 8, 32, 32});
+        const auto box = BlackBox(Play(file.Done(), 64));
+        EXPECT_FALSE(box.Empty()) << c.align;
+        EXPECT_GE(box.left, c.left) << c.align;
+        EXPECT_LE(box.right, c.right) << c.align;
+        EXPECT_GE(box.top, c.top) << c.align;
+        EXPECT_LE(box.bottom, c.bottom) << c.align;
+    }
+    // A line that is drawn on from the place where the first ended, with its ground behind it.
+    auto file = Placeable(64, 64, 96);
+    file.Record(0x012E, {25})
+        .Record(0x0214, {32, 0})
+        .Record(0x0209, {0xFF, 0})
+        .Record(0x02FB, {-20, 0, 0, 0, 400, 0, 0, 0, 0});
+    file.Record(0x012D, {0})
+        .Record(0x0A32, {0, 0, 1, 0, 'H', 40})
+        .Record(0x0209, {0, 0})
+        .Record(0x0521, {1, 'H', 0, 0});
+    const auto block = Play(file.Done(), 64);
+    EXPECT_GE(BlackBox(block).left, 40);
+    EXPECT_EQ(At(block, 20, 20), 0xFFFFFFFFu);
+}
+
+TEST(Metafile, BitmapsAndRegions) {
+    // A packed bitmap of two by one, red and blue, behind the words that stretch it over the left half.
+    const auto with = [](Words words) {
+        const Words bitmap = {40, 0, 2, 0, 1, 0, 1, 24, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x0000, 0xFFFF, 0, 0};
+        words.insert(words.end(), bitmap.begin(), bitmap.end());
+        return words;
+    };
+    auto file = Placeable(16, 16, 96);
+    file.Record(0x0F43, with({0x20, 0xCC, 0, 1, 2, 0, 0, 8, 8, 0, 0})); // upper left
+    file.Record(0x0B41, with({0x20, 0xCC, 1, 2, 0, 0, 8, 8, 8, 0}));    // lower left
+    file.Fill(0, 0, 0, 0).Record(0x061D, {0x21, 0xF0, 4, 4, 0, 12});    // the pattern at the upper right
+    // A region of two scans; what is painted through it stays in it.
+    file.Record(0x06FF, {0, 6, 0, 0, 0, 2, 4, 8, 8, 16, 16, 2, 8, 10, 8, 12, 2, 2, 10, 12, 12, 16, 2});
+    file.Record(0x012C, {2}).Record(0x02FC, {0, 0, 255, 0}).Record(0x012D, {3}).Record(0x041B, {17, 17, 0, 0});
+    const auto block = Play(file.Done(), 16);
+    EXPECT_EQ(At(block, 1, 1), kRed);
+    EXPECT_EQ(At(block, 6, 6), kBlue);
+    EXPECT_EQ(At(block, 1, 9), kRed);
+    EXPECT_EQ(At(block, 6, 15), kBlue);
+    EXPECT_EQ(At(block, 12, 0), kBlack);
+    EXPECT_EQ(At(block, 11, 0), kClear);
+    EXPECT_EQ(At(block, 9, 9), kBlue);
+    EXPECT_EQ(At(block, 13, 9), kClear);
+    EXPECT_EQ(At(block, 13, 11), kBlue);
+    EXPECT_EQ(At(block, 9, 11), kClear);
 }
 
 // ---- enhanced metafiles ----
@@ -270,6 +348,33 @@ TEST(Emf, BitmapsStandUprightWhicheverWayTheyAreStored) {
         EXPECT_EQ(At(block, 1, 2), kBlack) << height;
         EXPECT_EQ(At(block, 3, 3), kMagenta) << height;
     }
+}
+
+TEST(Emf, BlendsGradientsAndClipRegions) {
+    // A white pixel at alpha 0x80 over black, by its own alpha and then by half of that.
+    for (const int alpha : {255, 128}) {
+        auto file = EmfBuilder(4, 4).Fill(0).Record(43, {0, 0, 5, 5});
+        Words words = {0, 0, 0,   0,  0,   0, 4, 4, alpha << 16 | 1 << 24, 0, 0, 0, 0, 0, 0, 0, 0,
+                       0, 0, 108, 40, 148, 4, 1, 1};
+        words.insert(words.end(), {40, 1, 1, 1 | 32 << 16, 0, 0, 0, 0, 0, 0, static_cast<int>(0x80808080)});
+        const auto block = Play(file.Record(114, words).Done(), 4);
+        EXPECT_EQ(At(block, 2, 2), alpha == 255 ? 0xFF808080u : 0xFF404040u);
+    }
+    auto gradient = EmfBuilder(64, 4); // from red at the left to blue at the right
+    gradient.Record(118, {0, 0, 0, 0, 2, 1, 0, 0, 0, 0xFF00, 0, 64, 4, 0, 0xFF00, 0, 1});
+    const auto shaded = Play(gradient.Done(), 64);
+    EXPECT_GT(RedOf(At(shaded, 3, 1)), 230);
+    EXPECT_NEAR(BlueOf(At(shaded, 32, 1)), 128, 4);
+    EXPECT_GT(BlueOf(At(shaded, 60, 1)), 230);
+
+    auto clip = EmfBuilder(16, 16).Fill(0xFF);
+    clip.Record(75, {48, 5, 32, 1, 1, 16, 0, 0, 16, 16, 4, 4, 12, 12}); // only the middle
+    clip.Record(29, {6, 6, 10, 10}).Record(26, {2, 0}).Record(43, {0, 0, 17, 17});
+    const auto ring = Play(clip.Done(), 16);
+    EXPECT_EQ(At(ring, 6, 5), kRed);
+    EXPECT_EQ(At(ring, 5, 5), kClear);
+    EXPECT_EQ(At(ring, 13, 11), kRed);
+    EXPECT_EQ(At(ring, 10, 8), kClear) << "the hole moved with the rest";
 }
 
 // ---- the rooms by themselves ----
