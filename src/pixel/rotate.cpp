@@ -15,9 +15,9 @@ struct Bounds {
     int minX, minY, maxX, maxY;
 };
 
-// Where the corners land, truncated. The far corner stands one column and row inside, unlike the two beside it.
+// Where the corners land, truncated. The far corner stands one column inside, unlike the one above it.
 Bounds TurnedBounds(Size size, double c, double s) {
-    const Point corners[] = {{0, 0}, {size.width, 0}, {0, size.height}, {size.width - 1, size.height - 1}};
+    const Point corners[] = {{0, 0}, {size.width, 0}, {0, size.height}, {size.width - 1, size.height}};
     Bounds bounds{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
     for (const auto& p : corners) {
         const int x = static_cast<int>(p.x * c - p.y * s), y = static_cast<int>(p.x * s + p.y * c);

@@ -97,7 +97,7 @@ Surface TurnModel(const Surface& source, double angle, Argb background) {
     const double t = -angle * 3.14159265358979323846 / 180, c = std::cos(t), s = std::sin(t);
     const int w = source.Width(), h = source.Height();
     std::vector<int> xs, ys;
-    for (const auto& [x, y] : {Point{0, 0}, Point{w, 0}, Point{0, h}, Point{w - 1, h - 1}}) {
+    for (const auto& [x, y] : {Point{0, 0}, Point{w, 0}, Point{0, h}, Point{w - 1, h}}) {
         xs.push_back(int(x * c - y * s));
         ys.push_back(int(x * s + y * c));
     }
@@ -122,6 +122,7 @@ TEST(RotateBitmap, MatchesTheTransform) {
             EXPECT_EQ(RotateBitmap(source, angle, 0xFF00FF), TurnModel(source, angle, 0xFF00FF)) << angle;
         }
     }
+    EXPECT_EQ(RotateBitmap(Surface(3, 2), 89, 0).GetSize(), (Size{2, 2})) << "(2, 2) lands on column 2";
     EXPECT_FALSE(RotateBitmap(Surface(), 10, 0));
     EXPECT_FALSE(RotateBitmap(Surface(2, 2), std::numeric_limits<double>::quiet_NaN(), 0));
 }
