@@ -3,6 +3,8 @@
 #include "cli/suggestion.h"
 #include "cli/text_table.h"
 #include "cli/verb.h"
+#include "core/settings.h"
+#include "platform/doors.h"
 
 #include <fmt/format.h>
 
@@ -75,6 +77,8 @@ int RunVerb(const Verb& verb, const std::vector<std::string>& arguments) {
     }
     Run run(parser.Common());
     run.Attempt("standard output", [&] {
+        // What a verb's options leave open, the stored ones decide.
+        LoadSettings(*MakeSystemDoors().settings);
         parser.Action()(run);
         run.Flush();
     });

@@ -5,7 +5,7 @@
 #include "core/file_kinds.h"
 #include "core/settings.h"
 #include "formats/load_file.h"
-#include "icon/from_image.h"
+#include "icon/icon_doc.h"
 #include "icon/icon_file_forms.h"
 #include "icon/standard_formats.h"
 #include "pixel/depth.h"
@@ -27,7 +27,7 @@ struct CreateOptions {
     Preset preset = Preset::Default;
     std::vector<std::string> perSize;
     std::optional<Color> key, background;
-    int filter = kNoFilterValue;
+    std::optional<int> filter;
     bool macintosh = false, noDither = false;
     Compress compress = Compress::Auto;
 };
@@ -83,11 +83,11 @@ std::vector<IconFormat> WantedFormats(const CreateOptions& options) {
 }
 
 FromImageOptions MakingOptions(const CreateOptions& options, const Run& run) {
-    FromImageOptions making;
-    making.macintosh = options.macintosh;
+    auto making = StoredFromImageOptions(options.macintosh);
     making.formats = WantedFormats(options);
-    making.dither = !options.noDither && g_bApplyDitheringToCreateIconFromImage;
-    making.filter = {options.filter != kNoFilterValue, options.filter};
+    if (options.noDither) making.dither = false;
+    if (options.key) making.key = ColorRefFromRgb(options.key->Rgb());
+    if (options.filter) making.filter = {true, *options.filter};
     making.compress =
         options.compress == Compress::Always || (options.compress == Compress::Auto && g_bCompressVista256x256NewIcon);
     making.jobs = options.pictures.size() == 1 ? run.Options().jobs : 1;

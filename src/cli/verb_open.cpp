@@ -3,7 +3,6 @@
 #include "cli/json_writer.h"
 #include "cli/verb.h"
 #include "core/settings.h"
-#include "platform/doors.h"
 
 namespace pelorin::cli {
 
@@ -36,7 +35,6 @@ VerbAction SetUpOpen(VerbSetup& setup) {
     setup.Reports();
     setup.Footer("Says which document of the workbench would receive each text, and opens nothing.");
     return [texts](Run& run) {
-        LoadSettings(*MakeSystemDoors().settings);
         SystemHooks hooks;
         JsonWriter json;
         if (run.Options().json) json.BeginArray();

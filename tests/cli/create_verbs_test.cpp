@@ -62,6 +62,20 @@ TEST_F(CreateVerbs, DefaultFormatsOfAPicture) {
     }
 }
 
+TEST_F(CreateVerbs, WhatIsNotSaidTheStoredChoiceDecides) {
+    Put("logo.png", PlainPng(16, 16, 0xFFFF0000));
+    const auto home = "export HOME=" + m_folder.Path("home") + "; ";
+    const auto run = [&](const std::vector<std::string>& arguments) {
+        return test::RunProgram("pelorin-cli", arguments, m_folder.Path(), home).exitCode;
+    };
+    ASSERT_EQ(run({"settings", "set", "CreateFormatFromImage12", "1"}), 0);
+    ASSERT_EQ(run({"settings", "set", "CompressVista256x256NewIcon", "0"}), 0);
+    ASSERT_EQ(run({"create", "logo.png"}), 0);
+    const auto icon = Icon("logo.ico");
+    ASSERT_EQ(icon.GetCount(), 10);
+    EXPECT_FALSE(icon.GetIcon(FindFormat(icon, {256, 256, 32}))->m_bCompressed);
+}
+
 TEST_F(CreateVerbs, AWidePictureKeepsItsProportions) {
     Put("wide.png", PlainPng(64, 16, 0xFF00FF00));
     ASSERT_EQ(Run({"create", "wide.png", "--formats", "64x64x32,64x64x24"}).exitCode, 0);

@@ -27,8 +27,10 @@ std::string Contents(const std::string& path) {
 ProgramResult RunProgram(const std::string& name, const std::vector<std::string>& arguments, const std::string& folder,
                          const std::string& prefix) {
     const TempFolder streams;
-    std::string command =
-        "cd " + Quoted(folder) + " && { " + prefix + " " + Quoted(std::string(PELORIN_BIN_DIR) + "/" + name);
+    // A person's own settings must not show in a test; `prefix` may name another home.
+    std::string command = "export HOME=" + Quoted(streams.Path()) +
+                          " XDG_CONFIG_HOME= XDG_DATA_HOME= XDG_CACHE_HOME=; cd " + Quoted(folder) + " && { " + prefix +
+                          " " + Quoted(std::string(PELORIN_BIN_DIR) + "/" + name);
     for (const auto& argument : arguments) command += " " + Quoted(argument);
     command += "; } >" + Quoted(streams.Path("out")) + " 2>" + Quoted(streams.Path("err")) + " </dev/null";
     const int status = std::system(command.c_str());
