@@ -3,6 +3,7 @@
 #include "app/picture_settings.h"
 #include "containers/exe_doc.h"
 #include "containers/icl_doc.h"
+#include "formats/image_doc.h"
 #include "icon/icon_doc.h"
 
 namespace pelorin {
@@ -29,7 +30,7 @@ constexpr TemplateRow kTemplates[kDocKindCount] = {
     {DocKind::Library, New<CFileIclDoc>}, {DocKind::Explorer, nullptr},
     {DocKind::Browser, nullptr},          {DocKind::Search, nullptr},
     {DocKind::Program, New<CFileExeDoc>}, {DocKind::Image, NewPicture},
-    {DocKind::ImageObject, nullptr},
+    {DocKind::ImageObject, New<CImageDoc>},
 };
 
 } // namespace

@@ -13,6 +13,7 @@
 #include "formats/psd.h"
 #include "formats/tga.h"
 #include "formats/tiff.h"
+#include "formats/vio.h"
 #include "pixel/depth.h"
 
 #include <deque>
@@ -37,6 +38,7 @@ std::deque<PictureFormat>& Formats() {
         {kKindTga, "TGA", IsTga, ReadTga},
         {kKindWmf, "WMF", IsMetafile, ReadMetafile},
         {kKindTiff, "TIFF", IsTiff, ReadTiff},
+        {kKindImageObject, "VIO", IsVio, ReadVio},
     };
     return formats;
 }
