@@ -26,10 +26,14 @@ struct TemplateRow {
 };
 
 constexpr TemplateRow kTemplates[kDocKindCount] = {
-    {DocKind::Icon, New<CIconDoc>},       {DocKind::MacIcon, New<CIconDoc>, true},
-    {DocKind::Library, New<CFileIclDoc>}, {DocKind::Explorer, nullptr},
-    {DocKind::Browser, nullptr},          {DocKind::Search, nullptr},
-    {DocKind::Program, New<CFileExeDoc>}, {DocKind::Image, NewPicture},
+    {DocKind::Icon, New<CIconDoc>},
+    {DocKind::MacIcon, New<CIconDoc>, true},
+    {DocKind::Library, New<CFileIclDoc>},
+    {DocKind::Explorer, nullptr},
+    {DocKind::Browser, nullptr},
+    {DocKind::Search, nullptr},
+    {DocKind::Program, New<CFileExeDoc>},
+    {DocKind::Image, NewPicture},
     {DocKind::ImageObject, New<CImageDoc>},
 };
 

@@ -51,8 +51,8 @@ public:
     [[nodiscard]] bool OnOpenDocument(const std::string& path) override;
     /// The type goes by the name; a name without a known extension takes `g_nSaveKind`, and when that is 0 too, BMP.
     /// False, without a word, for a type that is not written, and, told to the person, for the Photoshop file with
-    /// several layers that the picture came from: the layers would be lost. A save that fails is told to the person and counts as
-    /// done: the modified flag is cleared and the result is true.
+    /// several layers that the picture came from: the layers would be lost. A save that fails is told to the person and
+    /// counts as done: the modified flag is cleared and the result is true.
     [[nodiscard]] bool OnSaveDocument(const std::string& path) override;
     void DeleteContents() override;
 
@@ -93,7 +93,7 @@ private:
     PictureFacts m_facts;
     bool m_bGifView = false;
     bool m_bOptionsChosen = false; ///< the options dialog has just run; the next save takes and clears it
-    std::string m_strLayeredPsd; ///< the file that was opened, if it is a Photoshop file with several layers
+    std::string m_strLayeredPsd;   ///< the file that was opened, if it is a Photoshop file with several layers
     unsigned m_nVersion = 0;
 };
 

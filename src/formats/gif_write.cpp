@@ -6,6 +6,7 @@
 #include <gif_lib.h>
 
 #include <bit>
+#include <memory>
 
 namespace pelorin {
 
@@ -112,8 +113,13 @@ int WriteBytes(GifFileType* gif, const GifByteType* bytes, int count) {
     return count;
 }
 
-ColorMapObject* MakeColorMap(const Indexed& picture) {
-    auto* map = GifMakeMapObject(picture.colors, nullptr);
+struct FreeColorMap {
+    void operator()(ColorMapObject* map) const { GifFreeMapObject(map); }
+};
+using OwnedColorMap = std::unique_ptr<ColorMapObject, FreeColorMap>;
+
+OwnedColorMap MakeColorMap(const Indexed& picture) {
+    OwnedColorMap map(GifMakeMapObject(picture.colors, nullptr));
     for (int i = 0; map && i < picture.colors; ++i) {
         const auto color = picture.table[static_cast<std::size_t>(i)];
         map->Colors[i] = {static_cast<GifByteType>(color >> 16), static_cast<GifByteType>(color >> 8),
@@ -141,10 +147,13 @@ bool Encode(Indexed& picture, ByteWriter& out) {
     gif->SWidth = picture.width;
     gif->SHeight = picture.height;
     gif->SColorResolution = 8;
-    gif->SColorMap = MakeColorMap(picture);
+    // The library puts a copy of the map in the place of ours, which stays ours to free.
+    const auto map = MakeColorMap(picture);
+    gif->SColorMap = map.get();
     gif->SavedImages = &image;
     gif->ImageCount = 1;
-    if (gif->SColorMap && EGifSpew(gif) == GIF_OK) return true;
+    if (map && EGifSpew(gif) == GIF_OK) return true;
+    if (gif->SColorMap == map.get()) gif->SColorMap = nullptr;
     gif->SavedImages = nullptr;
     gif->ImageCount = 0;
     EGifCloseFile(gif, nullptr);
