@@ -1,5 +1,6 @@
 #include "app/format_rows.h"
 
+#include "containers/container_sources.h"
 #include "icon/icon_pictures.h"
 
 namespace pelorin {
@@ -7,6 +8,7 @@ namespace pelorin {
 void RegisterFormatRows() {
     [[maybe_unused]] static const bool once = [] {
         AddPictureFormats(IconPictureFormats());
+        AddIconSources(ContainerIconSources());
         return true;
     }();
 }

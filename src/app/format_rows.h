@@ -3,7 +3,8 @@
 
 namespace pelorin {
 
-/// Gives the picture readers of icons to the load dispatch. Once at the start of a program, before the first read; a
+/// Gives the picture readers of icons to the load dispatch, and the readers of libraries and program files to the
+/// sources of icons. Once at the start of a program, before the first read; a
 /// second call does nothing.
 void RegisterFormatRows();
 

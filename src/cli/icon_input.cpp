@@ -1,5 +1,12 @@
 #include "cli/icon_input.h"
 
+#include "icon/icon_format.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <tuple>
+
 namespace pelorin::cli {
 
 IconInput OpenIconInput(const std::string& file) {
@@ -9,24 +16,85 @@ IconInput OpenIconInput(const std::string& file) {
     return input;
 }
 
-void VisitIcons(const IconInput& input, const NumberedIconVisitor& visitor) {
-    // The first icon waits until it is known whether there is a second.
-    std::optional<CIconGroup> first;
-    int number = 0;
-    const bool good = input.source->visit(input.view.Data(), [&](CIconGroup& group) {
-        if (++number == 1) {
-            first = std::move(group);
+namespace {
+
+constexpr const char* kDamaged = "the file has no icons, an invalid format or is damaged";
+
+IconOutline OutlineOf(CIconGroup& group) {
+    IconOutline outline{group.m_strName, group.m_nInfo != 0, {}};
+    for (const auto* icon : IconsForDisplay(group)) {
+        outline.formats.push_back({{icon->m_nWidth, icon->m_nHeight, icon->ShownBitCount()},
+                                   icon->m_nColors,
+                                   icon->m_bCompressed,
+                                   icon->StoredBytes()});
+    }
+    return outline;
+}
+
+void SortForDisplay(IconOutline& outline) {
+    const auto key = [](const IconOutline::Format& f) {
+        return std::tuple(-f.format.bits, -f.format.width, -f.format.height);
+    };
+    std::stable_sort(outline.formats.begin(), outline.formats.end(),
+                     [&](const auto& a, const auto& b) { return key(a) < key(b); });
+}
+
+// Hands out numbered icons; the first one waits until it is known whether there is a second.
+template <class Icon, class Visitor>
+class Numbering {
+public:
+    explicit Numbering(const Visitor& visitor) : m_visitor(visitor) {}
+
+    bool Take(Icon&& icon) {
+        if (++m_number == 1) {
+            m_first = std::move(icon);
             return true;
         }
-        if (first) {
-            const bool more = visitor(*first, 1, false);
-            first.reset();
-            if (!more) return false;
-        }
-        return visitor(group, number, false);
-    });
-    if (first) visitor(*first, 1, good);
-    if (!good) throw FileException("the file has no icons, an invalid format or is damaged");
+        return HandOutFirst(false) && m_visitor(icon, m_number, false);
+    }
+    void End(bool good) {
+        (void)HandOutFirst(good);
+        if (!good) throw FileException(kDamaged);
+    }
+
+private:
+    bool HandOutFirst(bool only) {
+        if (!m_first) return true;
+        auto first = std::move(*m_first);
+        m_first.reset();
+        return m_visitor(first, 1, only);
+    }
+
+    const Visitor& m_visitor;
+    std::optional<Icon> m_first;
+    int m_number = 0;
+};
+
+} // namespace
+
+void VisitIcons(const IconInput& input, const NumberedIconVisitor& visitor) {
+    Numbering<CIconGroup, NumberedIconVisitor> numbering(visitor);
+    numbering.End(
+        input.source->visit(input.view.Data(), [&](CIconGroup& group) { return numbering.Take(std::move(group)); }));
+}
+
+void VisitOutlines(const IconInput& input, const NumberedOutlineVisitor& visitor) {
+    const auto take = [&](const IconOutline& icon, int number, bool only) {
+        visitor(icon, number, only);
+        return true;
+    };
+    Numbering<IconOutline, decltype(take)> numbering(take);
+    const auto file = input.view.Data();
+    const auto* source = input.source;
+    if (!source->visitLazily) {
+        numbering.End(source->visit(file, [&](CIconGroup& group) { return numbering.Take(OutlineOf(group)); }));
+        return;
+    }
+    numbering.End(source->visitLazily(file, [&](const LazyIcon& icon) {
+        auto outline = icon.Outline();
+        SortForDisplay(outline);
+        return numbering.Take(std::move(outline));
+    }));
 }
 
 std::vector<CVnIcon*> IconsForDisplay(CIconGroup& group) {
@@ -35,8 +103,8 @@ std::vector<CVnIcon*> IconsForDisplay(CIconGroup& group) {
     return icons;
 }
 
-std::string DescriptionOf(const CVnIcon& icon, const CIconGroup& group) {
-    return FormatDescription(icon.m_nWidth, icon.m_nHeight, icon.ShownBitCount(), group.m_nInfo != 0);
+std::string SizeTextOf(const IconOutline& icon) {
+    return icon.formats.size() == 1 ? "(1 format)" : fmt::format("({} formats)", icon.formats.size());
 }
 
 } // namespace pelorin::cli

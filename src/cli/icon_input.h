@@ -20,9 +20,14 @@ using NumberedIconVisitor = std::function<bool(CIconGroup& group, int number, bo
 /// icons are in memory at a time.
 void VisitIcons(const IconInput& input, const NumberedIconVisitor& visitor);
 
+/// The same with what lists show of an icon; nothing is decoded where that is not needed for it. Formats are in display
+/// order.
+using NumberedOutlineVisitor = std::function<void(const IconOutline& icon, int number, bool only)>;
+void VisitOutlines(const IconInput& input, const NumberedOutlineVisitor& visitor);
+
 /// Formats of a group in display order.
 [[nodiscard]] std::vector<CVnIcon*> IconsForDisplay(CIconGroup& group);
-/// What a format is called in lists: "48x48 - XP (RGB/A)".
-[[nodiscard]] std::string DescriptionOf(const CVnIcon& icon, const CIconGroup& group);
+/// "(1 format)", "(%d formats)".
+[[nodiscard]] std::string SizeTextOf(const IconOutline& icon);
 
 } // namespace pelorin::cli

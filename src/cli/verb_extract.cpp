@@ -1,3 +1,4 @@
+#include "base/parallel.h"
 #include "cli/icon_input.h"
 #include "cli/output.h"
 #include "cli/verb.h"
@@ -13,6 +14,7 @@ namespace pelorin::cli {
 namespace {
 
 constexpr int kAsIcon = kKindIco;
+constexpr const char* kNothing = "nothing in it is what was asked for";
 
 struct ExtractOptions {
     std::vector<std::string> files;
@@ -34,8 +36,15 @@ public:
         : m_run(run), m_options(options), m_input(input) {}
 
     void Go() {
+        const auto input = OpenIconInput(m_input);
+        const int lazy = input.source->visitLazily ? CountLazily(input) : 0;
+        if (lazy > 1) {
+            TakeLazily(input, lazy);
+            if (m_written == 0) throw FileException(kNothing);
+            return;
+        }
         int count = 0;
-        VisitIcons(OpenIconInput(m_input), [&](CIconGroup& group, int number, bool only) {
+        VisitIcons(input, [&](CIconGroup& group, int number, bool only) {
             count = number;
             if (!only && m_options.index && *m_options.index != number) return number < *m_options.index;
             Take(group, number, only);
@@ -44,13 +53,75 @@ public:
         if (m_options.index && m_written == 0 && *m_options.index > count && count > 1) {
             throw FileException(fmt::format("there is no icon {}, the last is {}", *m_options.index, count));
         }
-        if (m_written == 0) throw FileException("nothing in it is what was asked for");
+        if (m_written == 0) throw FileException(kNothing);
     }
 
 private:
-    [[nodiscard]] bool Wanted(const CVnIcon& icon) const {
-        const IconFormat format{icon.m_nWidth, icon.m_nHeight, icon.ShownBitCount()};
+    static int CountLazily(const IconInput& input) {
+        int count = 0;
+        (void)input.source->visitLazily(input.view.Data(), [&](const LazyIcon&) { return ++count != 0; });
+        return count;
+    }
+
+    // Out of files with several icons: what can be taken as it stands is not decoded.
+    void TakeLazily(const IconInput& input, int count) {
+        if (m_options.index && *m_options.index > count) {
+            throw FileException(fmt::format("there is no icon {}, the last is {}", *m_options.index, count));
+        }
+        int number = 0;
+        (void)input.source->visitLazily(input.view.Data(), [&](const LazyIcon& icon) {
+            ++number;
+            if (!m_options.index || *m_options.index == number) TakeOneLazily(icon, number);
+            return !m_options.index || number < *m_options.index;
+        });
+    }
+
+    void TakeOneLazily(const LazyIcon& icon, int number) {
+        const int as = m_options.as.value_or(kAsIcon);
+        if (as != kAsIcon) {
+            TakeImages(icon, as, number);
+        } else if (m_options.formats.empty()) {
+            WriteFile(fmt::format("_{}", number), "ico", icon.IcoFile(),
+                      m_options.files.size() > 1 || !m_options.index);
+        } else if (const auto group = icon.Load()) {
+            Take(*group, number, false);
+        }
+    }
+
+    // The images of one icon, each in its own file, on all cores.
+    void TakeImages(const LazyIcon& icon, int as, int number) {
+        struct Image {
+            std::size_t index;
+            IconFormat format;
+            Bytes file;
+        };
+        std::vector<Image> images;
+        const auto formats = icon.Outline().formats;
+        for (std::size_t i = 0; i < formats.size(); ++i) {
+            if (Wanted(formats[i].format)) images.push_back({i, formats[i].format, {}});
+        }
+        ParallelFor(images.size(), m_run.Options().jobs, [&](std::size_t i) {
+            auto& image = images[i];
+            const auto png = as == kKindPng ? icon.PngFile(image.index) : ByteSpan{};
+            image.file.assign(png.begin(), png.end());
+            CVnIcon loaded;
+            if (!image.file.empty() || !icon.LoadFormat(image.index, loaded)) return;
+            if (EncodePicture(IconBlockPicture(loaded.m_hImage), as, {}, image.file) != 0) image.file.clear();
+        });
+        const bool several = m_options.files.size() > 1 || images.size() > 1 || !m_options.index;
+        for (const auto& image : images) {
+            const auto suffix =
+                fmt::format("_{}_{}x{}x{}", number, image.format.width, image.format.height, image.format.bits);
+            if (image.file.empty()) throw FileException("the image " + suffix.substr(1) + " cannot be made");
+            WriteFile(suffix, PictureSaverOfKind(as)->extension, image.file, several);
+        }
+    }
+
+    [[nodiscard]] bool Wanted(const IconFormat& format) const {
         return m_options.formats.empty() || std::ranges::count(m_options.formats, format) != 0;
+    }
+    [[nodiscard]] bool Wanted(const CVnIcon& icon) const {
+        return Wanted(IconFormat{icon.m_nWidth, icon.m_nHeight, icon.ShownBitCount()});
     }
 
     // Where a file holds one icon, the index counts its images, as `list` does.
@@ -101,8 +172,11 @@ private:
             file.clear();
         }
         if (file.empty()) throw FileException("the image " + product.suffix.substr(1) + " cannot be made");
-        const auto path = OutputPath(m_run, m_input, product.suffix,
-                                     as == kAsIcon ? "ico" : PictureSaverOfKind(as)->extension, several);
+        WriteFile(product.suffix, as == kAsIcon ? "ico" : PictureSaverOfKind(as)->extension, file, several);
+    }
+
+    void WriteFile(const std::string& suffix, std::string_view extension, ByteSpan file, bool several) {
+        const auto path = OutputPath(m_run, m_input, suffix, extension, several);
         WriteOutput(m_run, path, file);
         ++m_written;
         if (!m_run.Options().dryRun && path != "-") m_run.Note(Printable(path));

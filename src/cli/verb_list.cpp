@@ -9,20 +9,24 @@ namespace pelorin::cli {
 
 namespace {
 
-void WriteIcon(JsonWriter& json, CIconGroup& group) {
+std::string DescriptionOf(const IconOutline::Format& row, const IconOutline& icon) {
+    return FormatDescription(row.format.width, row.format.height, row.format.bits, icon.macintosh);
+}
+
+void WriteIcon(JsonWriter& json, const IconOutline& icon) {
     json.BeginObject();
-    json.Field("name", group.m_strName);
+    json.Field("name", icon.name);
     json.Key("formats");
     json.BeginArray();
-    for (const auto* icon : IconsForDisplay(group)) {
+    for (const auto& row : icon.formats) {
         json.BeginObject();
-        json.Field("width", icon->m_nWidth);
-        json.Field("height", icon->m_nHeight);
-        json.Field("bits", icon->ShownBitCount());
-        json.Field("colors", icon->m_nColors);
-        json.Field("compressed", icon->m_bCompressed);
-        json.Field("bytes", std::int64_t{icon->StoredBytes()});
-        json.Field("description", DescriptionOf(*icon, group));
+        json.Field("width", row.format.width);
+        json.Field("height", row.format.height);
+        json.Field("bits", row.format.bits);
+        json.Field("colors", row.colors);
+        json.Field("compressed", row.compressed);
+        json.Field("bytes", std::int64_t{row.bytes});
+        json.Field("description", DescriptionOf(row, icon));
         json.EndObject();
     }
     json.EndArray();
@@ -51,11 +55,10 @@ void ListAsJson(Run& run, const std::vector<std::string>& files) {
             run.Print(json.Take());
         };
         try {
-            VisitIcons(input, [&](CIconGroup& group, int, bool) {
+            VisitOutlines(input, [&](const IconOutline& icon, int, bool) {
                 begin();
-                WriteIcon(json, group);
+                WriteIcon(json, icon);
                 run.Print(json.Take());
-                return true;
             });
             begin();
         } catch (const FileException&) {
@@ -68,40 +71,38 @@ void ListAsJson(Run& run, const std::vector<std::string>& files) {
     run.Print(json.Take());
 }
 
-std::string FormatsOneByOne(const std::string& file, CIconGroup& group) {
-    auto text = fmt::format("{}  {}\n", Printable(file), group.GetSizeText());
+std::string FormatsOneByOne(const std::string& file, const IconOutline& icon) {
+    auto text = fmt::format("{}  {}\n", Printable(file), SizeTextOf(icon));
     TextTable table("rllrl", "  ");
     int number = 0;
-    for (const auto* icon : IconsForDisplay(group)) {
-        table.Row({fmt::format("{}", ++number), DescriptionOf(*icon, group),
-                   fmt::format("{}-bit", icon->ShownBitCount()), fmt::format("{} bytes", icon->StoredBytes()),
-                   icon->m_bCompressed ? "PNG" : ""});
+    for (const auto& row : icon.formats) {
+        table.Row({fmt::format("{}", ++number), DescriptionOf(row, icon), fmt::format("{}-bit", row.format.bits),
+                   fmt::format("{} bytes", row.bytes), row.compressed ? "PNG" : ""});
     }
     return text + table.Text();
 }
 
-std::string FormatsOnOneLine(CIconGroup& group, int number) {
+std::string FormatsOnOneLine(const IconOutline& icon, int number) {
     std::string formats;
-    for (const auto* icon : IconsForDisplay(group)) {
+    for (const auto& row : icon.formats) {
         if (!formats.empty()) formats += ", ";
-        formats += fmt::format("{}x{} {}", icon->m_nWidth, icon->m_nHeight,
-                               DepthName(icon->ShownBitCount(), group.m_nInfo != 0));
+        formats +=
+            fmt::format("{}x{} {}", row.format.width, row.format.height, DepthName(row.format.bits, icon.macintosh));
     }
-    const auto name = group.m_strName.empty() ? std::string() : Printable(group.m_strName) + "  ";
-    return fmt::format("{:4}  {}{:<13} {}\n", number, name, group.GetSizeText(), formats);
+    const auto name = icon.name.empty() ? std::string() : Printable(icon.name) + "  ";
+    return fmt::format("{:4}  {}{:<13} {}\n", number, name, SizeTextOf(icon), formats);
 }
 
 void ListAsText(Run& run, const std::vector<std::string>& files) {
     run.ForEach(files, [&](const std::string& file) {
         const auto input = OpenIconInput(file);
-        VisitIcons(input, [&](CIconGroup& group, int number, bool only) {
+        VisitOutlines(input, [&](const IconOutline& icon, int number, bool only) {
             if (only) {
-                run.Print(FormatsOneByOne(file, group));
-                return true;
+                run.Print(FormatsOneByOne(file, icon));
+                return;
             }
             if (number == 1 && files.size() > 1) run.Print(Printable(file) + ":\n");
-            run.Print(FormatsOnOneLine(group, number));
-            return true;
+            run.Print(FormatsOnOneLine(icon, number));
         });
     });
 }

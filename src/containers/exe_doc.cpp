@@ -14,10 +14,9 @@ ResourceKey GroupKey(const CIconGroup& icon) {
     return ResourceKey(Utf8ToUtf16(icon.m_strName));
 }
 
-Bytes ReadExtraData(ByteSpan file) {
+ByteSpan FindExtraData(ByteSpan file) {
     const auto image = PeImage::Parse(file);
-    const auto extra = image ? FindExtraData(*image) : ByteSpan{};
-    return {extra.begin(), extra.end()};
+    return image ? FindExtraData(*image) : ByteSpan{};
 }
 
 } // namespace
@@ -25,22 +24,28 @@ Bytes ReadExtraData(ByteSpan file) {
 bool CFileExeDoc::OnOpenDocument(const std::string& path) {
     DeleteContents();
     auto& prompt = *GetServices().prompt;
+    bool isProgram = false;
     try {
         const auto file = FileView::Open(path);
         const auto found = FindIcons(file.Data(), m_bCanUpdate, GetServices().progress);
         // The numbered names belong to the way of reading that knows every group by its number.
         const bool named = found.mode == ProgramMode::Full || found.mode == ProgramMode::Restricted;
-        m_arrIcons = LoadIcons(found, named ? BaseName(path) : std::string());
+        m_arrIcons = LoadIcons(found, named ? BaseName(path) : std::string(), m_pixels);
         m_nMode = found.mode;
         m_arrIds.insert(found.idTable.begin(), found.idTable.end());
         m_arrUnreadIds = found.unreadIds;
         m_bComplete = found.complete;
-        if (m_nMode == ProgramMode::Restricted) m_arrExtraData = ReadExtraData(file.Data());
+        isProgram = PeImage::Parse(file.Data()).has_value();
+        if (m_nMode == ProgramMode::Restricted) {
+            const auto extra = FindExtraData(file.Data());
+            m_nExtraBytes = extra.size();
+            if (!Updater().KeepsDataBehindImage()) m_arrExtraData.assign(extra.begin(), extra.end());
+        }
     } catch (const FileException& e) {
         prompt.Tell(PromptIcon::Stop, str::kErrorReadingFile, path, e.what());
         return false;
     }
-    if (m_arrIcons.empty()) {
+    if (m_arrIcons.empty() && !(m_bMayBeEmpty && isProgram)) {
         prompt.Tell(PromptIcon::Stop, str::kFileHasNoIcons);
         return false;
     }
@@ -57,6 +62,7 @@ void CFileExeDoc::DeleteContents() {
     m_arrUnreadIds.clear();
     m_arrDeletedGroups.clear();
     m_arrExtraData.clear();
+    m_nExtraBytes = 0;
 }
 
 std::string CFileExeDoc::CellDescription(int index) const {

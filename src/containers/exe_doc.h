@@ -39,7 +39,13 @@ public:
     /// The smallest number that no group has.
     [[nodiscard]] int FreeGroupId() const;
 
-    bool m_bCanUpdate = true; ///< false: a system that cannot update resources
+    /// Bytes behind the image that are kept.
+    [[nodiscard]] std::size_t GetExtraBytes() const { return m_nExtraBytes; }
+
+    /// With `Pixels::None` icons can be replaced, added and removed, but not shown: set before the file is opened.
+    Pixels m_pixels = Pixels::All;
+    bool m_bMayBeEmpty = false; ///< a file without icons is opened as well, to add the first
+    bool m_bCanUpdate = true;   ///< false: a system that cannot update resources
     bool m_bWarnOverwriteProgram = true;
     bool m_bDropSignature = false;         ///< set by the caller, or by the person's answer
     std::string m_strReason;               ///< why the last save failed, where the system told
@@ -68,7 +74,8 @@ private:
     std::set<IdPair> m_arrIds;
     std::vector<int> m_arrUnreadIds;
     std::vector<std::pair<ResourceKey, int>> m_arrDeletedGroups; ///< key and language
-    Bytes m_arrExtraData;
+    std::size_t m_nExtraBytes = 0;
+    Bytes m_arrExtraData; ///< only when the updater does not keep it
 };
 
 } // namespace pelorin

@@ -67,12 +67,6 @@ bool InspectBlock(IconImageRef& image) {
     return size != 0;
 }
 
-/// Bytes that the image takes in an ICO file: a short block is filled up with zeros.
-std::size_t FileSizeOf(const IconImageRef& image) {
-    if (image.compressed || !IsUsualColorCount(image.colors)) return image.data.size();
-    return CVnIcon::BlockSize(image.width, image.height, image.colors, image.alpha);
-}
-
 /// The order of `CIconGroup`: ascending depth, descending width, descending height.
 bool SavedBefore(const IconImageRef& a, const IconImageRef& b) {
     const int depthA = a.BitCount(), depthB = b.BitCount();
@@ -139,6 +133,16 @@ int IconImageRef::BitCount() const {
     return BitsByColors(colors, alpha);
 }
 
+int IconImageRef::ShownBits() const {
+    if (IsUsualColorCount(colors) || compressed) return BitCount();
+    return LoadU16LE(data.data() + 14);
+}
+
+std::size_t IconImageRef::StoredSize() const {
+    if (compressed || !IsUsualColorCount(colors)) return data.size();
+    return CVnIcon::BlockSize(width, height, colors, alpha);
+}
+
 bool InspectImage(IconImageRef& image) {
     if (image.data.size() < 4) return false;
     const auto first = LoadU32LE(image.data.data());
@@ -146,7 +150,34 @@ bool InspectImage(IconImageRef& image) {
     return first == kBitmapHeaderSize && InspectBlock(image);
 }
 
-std::unique_ptr<CIconGroup> LoadIcon(const IconGroupRef& ref, bool explorerOrder) {
+namespace {
+
+void TakePlace(const IconImageRef& ref, CVnIcon& icon) {
+    icon.m_nResourceId = ref.id;
+    icon.m_nLanguage = ref.language;
+    icon.m_nFileOffset = ref.offset;
+    icon.m_nFileBytes = ref.capacity;
+}
+
+void TakeFacts(const IconImageRef& ref, CVnIcon& icon) {
+    icon.m_nWidth = ref.width;
+    icon.m_nHeight = ref.height;
+    icon.m_nColors = ref.colors;
+    icon.m_bAlpha = ref.alpha;
+    icon.m_bCompressed = ref.compressed;
+    TakePlace(ref, icon);
+}
+
+} // namespace
+
+bool LoadImage(const IconImageRef& ref, CVnIcon& icon) {
+    const auto bytes = std::min<std::size_t>(ref.bytes, ref.data.size());
+    if (!icon.ReadFromMemory(ref.data, static_cast<std::uint32_t>(bytes), ref.bits)) return false;
+    TakePlace(ref, icon);
+    return true;
+}
+
+std::unique_ptr<CIconGroup> LoadIcon(const IconGroupRef& ref, Pixels pixels) {
     auto group = std::make_unique<CIconGroup>();
     group->m_strName = ref.name;
     group->m_nInfo = ref.macintosh ? 1 : 0;
@@ -154,16 +185,11 @@ std::unique_ptr<CIconGroup> LoadIcon(const IconGroupRef& ref, bool explorerOrder
     group->m_nLanguage = ref.language;
     for (const auto& image : ref.images) {
         CVnIcon icon;
-        const auto bytes = std::min<std::size_t>(image.bytes, image.data.size());
-        if (!icon.ReadFromMemory(image.data, static_cast<std::uint32_t>(bytes), image.bits)) continue;
-        icon.m_nResourceId = image.id;
-        icon.m_nLanguage = image.language;
-        icon.m_nFileOffset = image.offset;
-        icon.m_nFileBytes = image.capacity;
-        group->Append(std::move(icon));
+        if (pixels == Pixels::None) TakeFacts(image, icon);
+        if (pixels == Pixels::None || LoadImage(image, icon)) group->Append(std::move(icon));
     }
     if (group->m_arrIcons.empty()) return nullptr;
-    group->Sort(explorerOrder);
+    group->Sort();
     return group;
 }
 
@@ -184,13 +210,13 @@ Bytes CopyAsIco(const IconGroupRef& ref) {
         out.U8(0);
         out.U16LE(1);
         out.U16LE(static_cast<std::uint32_t>(image->BitCount()));
-        out.U32LE(static_cast<std::uint32_t>(FileSizeOf(*image)));
+        out.U32LE(static_cast<std::uint32_t>(image->StoredSize()));
         out.U32LE(static_cast<std::uint32_t>(offset));
-        offset += FileSizeOf(*image);
+        offset += image->StoredSize();
     }
     for (const auto* image : images) {
         out.Raw(image->data);
-        out.Zeros(FileSizeOf(*image) - image->data.size());
+        out.Zeros(image->StoredSize() - image->data.size());
     }
     return out.Take();
 }

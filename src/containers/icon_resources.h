@@ -55,6 +55,10 @@ struct IconImageRef {
     int width = 0, height = 0, colors = 0;
     bool alpha = false, compressed = false;
     [[nodiscard]] int BitCount() const;
+    /// The bit count of an image with an unusual number of colours too: what its header says.
+    [[nodiscard]] int ShownBits() const;
+    /// Bytes that the image takes in an ICO file: a short block is filled up with zeros.
+    [[nodiscard]] std::size_t StoredSize() const;
 };
 
 /// Fills the facts from the header of `data` and cuts off what is padding; false when it is no image.
@@ -93,9 +97,16 @@ struct IconResources {
 /// `canUpdate` a PE file is read the simpler way of mode 1. With `progress`, one step a group.
 [[nodiscard]] IconResources FindIcons(ByteSpan file, bool canUpdate = true, Progress* progress = nullptr);
 
+/// Decodes one image, with its id, language and place. False when it cannot be.
+[[nodiscard]] bool LoadImage(const IconImageRef& ref, CVnIcon& icon);
+/// What LoadIcon decodes.
+enum class Pixels {
+    All,
+    None, ///< only sizes, depths, ids and places: enough for icons that are not going to be written
+};
 /// Decodes one icon. Images that cannot be decoded are left out; an icon without any gives null. Ids, languages and
 /// places are kept on the images.
-[[nodiscard]] std::unique_ptr<CIconGroup> LoadIcon(const IconGroupRef& ref, bool explorerOrder = false);
+[[nodiscard]] std::unique_ptr<CIconGroup> LoadIcon(const IconGroupRef& ref, Pixels pixels = Pixels::All);
 
 /// The icon as an ICO file, in saving order, with the bytes of each image as they stand: nothing is decoded.
 [[nodiscard]] Bytes CopyAsIco(const IconGroupRef& ref);

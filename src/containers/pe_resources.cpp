@@ -31,7 +31,7 @@ bool HeadersMakeSense(const PeImage& image) {
 
 bool SectionsMakeSense(const PeImage& image) {
     std::vector<PeRange> raw;
-    std::uint64_t memoryEnd = 0;
+    std::uint64_t memoryEnd = image.SizeOfHeaders();
     for (const auto& section : image.Sections()) {
         if (section.virtualAddress < memoryEnd || section.virtualAddress % image.SectionAlignment() != 0) return false;
         memoryEnd = section.Memory().End();

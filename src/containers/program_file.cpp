@@ -42,10 +42,11 @@ IconResources FindIcons(ByteSpan file, bool canUpdate, Progress* progress) {
     return found;
 }
 
-std::vector<std::unique_ptr<CIconGroup>> LoadIcons(const IconResources& found, std::string_view baseName) {
+std::vector<std::unique_ptr<CIconGroup>> LoadIcons(const IconResources& found, std::string_view baseName,
+                                                   Pixels pixels) {
     std::vector<std::unique_ptr<CIconGroup>> icons;
     for (const auto& ref : found.groups) {
-        auto icon = LoadIcon(ref);
+        auto icon = LoadIcon(ref, pixels);
         if (!icon) continue;
         if (icon->m_strName.empty() && !baseName.empty()) {
             icon->m_strName = FormatText(str::kNumberedIcon, baseName, static_cast<int>(icons.size() + 1));

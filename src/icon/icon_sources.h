@@ -25,6 +25,35 @@ struct IconFileReport {
     std::vector<std::string> oddities;
 };
 
+/// What the headers of an icon tell, without decoding it.
+struct IconOutline {
+    struct Format {
+        IconFormat format;
+        int colors = 0;
+        bool compressed = false;
+        std::uint32_t bytes = 0; ///< in the file
+    };
+    std::string name;
+    bool macintosh = false;
+    std::vector<Format> formats; ///< in the order of the file
+};
+
+/// An icon that was found and not yet decoded; it lives as long as the visit.
+class LazyIcon {
+public:
+    virtual ~LazyIcon() = default;
+    [[nodiscard]] virtual IconOutline Outline() const = 0;
+    /// Null when no image of it can be decoded.
+    [[nodiscard]] virtual std::unique_ptr<CIconGroup> Load() const = 0;
+    /// A Windows icon file with the images as they stand.
+    [[nodiscard]] virtual Bytes IcoFile() const = 0;
+    /// One image, by its place in the outline. False when it cannot be decoded.
+    [[nodiscard]] virtual bool LoadFormat(std::size_t index, CVnIcon& icon) const = 0;
+    /// The PNG file that a 32-bit image is stored as; empty for every other image.
+    [[nodiscard]] virtual ByteSpan PngFile(std::size_t index) const = 0;
+};
+using LazyIconVisitor = std::function<bool(const LazyIcon& icon)>;
+
 struct IconSource {
     FileKind kind;
     /// For lists: "ico".
@@ -36,6 +65,9 @@ struct IconSource {
     bool (*visit)(ByteSpan file, const IconVisitor& visitor);
     /// The file in depth; null where there is nothing to tell.
     void (*inspect)(ByteSpan file, IconFileReport& report);
+    /// As `visit`, with icons that cost nothing until they are asked for more; null where a file's icons are all read
+    /// at once.
+    bool (*visitLazily)(ByteSpan file, const LazyIconVisitor& visitor) = nullptr;
 };
 
 /// Adds rows; they are asked after those that are built in. Called at start-up, before the first use.

@@ -78,7 +78,7 @@ TEST(DocTemplates, StandInTheOrderOfTheirKinds) {
         ids += std::to_string(row.GetStringId()) + " ";
     }
     EXPECT_EQ(ids, "101 113 104 110 112 111 105 109 114 ");
-    EXPECT_EQ(with, "12378");
+    EXPECT_EQ(with, "123789");
 }
 
 // The icons that were counted to find the receiver are those that it shows.

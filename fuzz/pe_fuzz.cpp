@@ -1,0 +1,80 @@
+// Program images: read both ways, then change the resources and read what was written.
+#include "containers/pe_resources.h"
+#include "containers/program_file.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+using namespace pelorin;
+
+namespace {
+
+// The line tells which promise was broken.
+void Expect(bool holds, int line = __builtin_LINE()) {
+    if (holds) return;
+    std::fprintf(stderr, "line %d\n", line);
+    std::abort();
+}
+
+bool SameResources(const ResourceTree& a, const ResourceTree& b) {
+    if (a.types.size() != b.types.size()) return false;
+    for (std::size_t t = 0; t < a.types.size(); ++t) {
+        if (a.types[t].key != b.types[t].key || a.types[t].names.size() != b.types[t].names.size()) return false;
+        for (std::size_t n = 0; n < a.types[t].names.size(); ++n) {
+            const auto &left = a.types[t].names[n], &right = b.types[t].names[n];
+            const auto same = [](const ResourceData& x, const ResourceData& y) {
+                return x.language == y.language && x.codePage == y.codePage &&
+                       std::equal(x.bytes.begin(), x.bytes.end(), y.bytes.begin(), y.bytes.end());
+            };
+            if (left.key != right.key || !std::equal(left.languages.begin(), left.languages.end(),
+                                                     right.languages.begin(), right.languages.end(), same)) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+void ChangeAndReadAgain(const PeImage& image, std::size_t added) {
+    auto tree = ReadResourceTree(image);
+    tree.Sort();
+    const Bytes bytes(added, 0x41);
+    tree.Set(kResourceIcon, 0xFFFE, 0x407, bytes);
+    FileSplice splice(image.File());
+    if (ReplaceResources(image, tree, true, splice) != ResourceChange::Done) return;
+    Bytes file;
+    for (const auto piece : splice.Pieces()) file.insert(file.end(), piece.begin(), piece.end());
+
+    const auto after = PeImage::Parse(file);
+    Expect(after.has_value() && !IsSigned(*after));
+    ResourceTreeFacts facts;
+    const auto read = ReadResourceTree(*after, &facts);
+    Expect(facts.whole && SameResources(tree, read));
+    // The data behind the image is there once, and all sections but the resources' are what they were.
+    Expect(image.RawEnd() > image.File().size() || IsSigned(image) ||
+           file.size() - after->RawEnd() == image.File().size() - image.RawEnd());
+    const auto old = image.SectionAt(image.Directory(PeDirectory::Resources).address);
+    for (std::size_t i = 0; i < image.Sections().size(); ++i) {
+        Expect(after->Sections()[i].virtualAddress == image.Sections()[i].virtualAddress);
+        Expect(static_cast<int>(i) == old || after->Sections()[i].rawSize == image.Sections()[i].rawSize);
+    }
+    // Directories that point behind the old image may now point into the new section, which is not touched then.
+    FileSplice again(file);
+    const auto second = ReplaceResources(*after, read, false, again);
+    Expect(second == ResourceChange::Done || second == ResourceChange::NoRoom);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const ByteSpan file(data, size);
+    const auto found = FindIcons(file);
+    (void)LoadIcons(found, "fuzz");
+    for (const auto& icon : found.groups) (void)CopyAsIco(icon);
+    (void)LoadIcons(FindIcons(file, false), {});
+    if (const auto image = PeImage::Parse(file)) {
+        ChangeAndReadAgain(*image, 3);
+        ChangeAndReadAgain(*image, 20000);
+    }
+    return 0;
+}

@@ -1,0 +1,131 @@
+#include "base/files.h"
+#include "containers/exe_doc.h"
+#include "containers/program_file.h"
+#include "core/services.h"
+#include "core/user_prompt.h"
+#include "support/icon_builder.h"
+#include "support/pe_builder.h"
+#include "support/run_program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace pelorin {
+namespace {
+
+using test::MakeIcon;
+using test::ProgramResult;
+using test::ReadBytes;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+class ContainerVerbs : public ::testing::Test {
+protected:
+    [[nodiscard]] ProgramResult Run(const std::vector<std::string>& arguments) const {
+        return test::RunProgram("pelorin-cli", arguments, m_folder.Path());
+    }
+    void PutIcon(const std::string& name, const std::vector<IconFormat>& formats, int seed = 0) const {
+        ASSERT_TRUE(MakeIcon("", formats, seed)->SaveAsIcoFile(m_folder.Path(name)));
+    }
+    [[nodiscard]] Bytes Get(const std::string& name) const { return ReadBytes(m_folder.Path(name)); }
+    [[nodiscard]] std::vector<std::string> IconNames(const std::string& file) const {
+        std::vector<std::string> names;
+        const auto bytes = Get(file);
+        for (const auto& icon : FindIcons(bytes).groups) names.push_back(icon.name);
+        return names;
+    }
+    /// A program without resources, with data behind the image.
+    void PutProgram(const std::string& name) const {
+        test::PeSpec spec;
+        spec.sections.push_back({".text", test::SomeBytes(900), 0x60000020});
+        spec.tail = m_tail;
+        WriteFileSafely(m_folder.Path(name), test::BuildPe(spec));
+    }
+    test::TestFolder m_folder;
+    Bytes m_tail = test::SomeBytes(3000, 4);
+};
+
+constexpr IconFormat k16{16, 16, 4}, k32{32, 32, 32};
+
+TEST_F(ContainerVerbs, ALibraryFromItsCreationToItsIcons) {
+    PutIcon("ball.ico", {k16, k32}, 1);
+    PutIcon("cube.ico", {k32}, 2);
+    for (const std::string form : {"pe", "ne"}) {
+        const auto lib = form + ".icl";
+        auto ran = Run({"library", "create", lib, "cube.ico", "ball.ico", "--form", form});
+        EXPECT_EQ(ran.exitCode, 0) << ran.err;
+        EXPECT_EQ(Get(lib)[LoadU16LE(Get(lib).data() + 0x3C)], form == "pe" ? 'P' : 'N');
+        EXPECT_THAT(IconNames(lib), ElementsAre("Cube", "Ball"));
+        EXPECT_THAT(Run({"list", lib}).out, HasSubstr("Ball  (2 formats)"));
+        EXPECT_EQ(Run({"library", "create", lib, "cube.ico"}).exitCode, 1) << "it exists";
+
+        EXPECT_EQ(Run({"library", "sort", lib, "--in-place"}).exitCode, 0);
+        EXPECT_THAT(IconNames(lib), ElementsAre("Ball", "Cube"));
+        EXPECT_EQ(Run({"library", "add", lib, "cube.ico", "--at", "1", "--in-place", "--backup"}).exitCode, 0);
+        EXPECT_THAT(IconNames(lib), ElementsAre("Cube", "Ball", "Cube"));
+        EXPECT_THAT(IconNames(lib + ".bak"), ElementsAre("Ball", "Cube"));
+        EXPECT_EQ(Run({"library", "rename", lib, "a%s ", "1-2", "--digits", "2", "-o", "named.icl", "-f"}).exitCode, 0);
+        EXPECT_THAT(IconNames("named.icl"), ElementsAre("a%s 01", "a%s 02", "Cube"));
+        EXPECT_EQ(Run({"library", "remove", lib, "cube", "--in-place"}).exitCode, 0);
+        EXPECT_THAT(IconNames(lib), ElementsAre("Ball"));
+        EXPECT_EQ(Run({"library", "extract", lib, "-o", form + "/"}).exitCode, 0);
+        EXPECT_EQ(Get(form + "/Ball.ico"), Get("ball.ico"));
+    }
+    EXPECT_THAT(Run({"library", "remove", "pe.icl", "nobody"}).err, HasSubstr("there is no icon called \"nobody\""));
+    EXPECT_EQ(Run({"library", "list", "ball.ico"}).exitCode, 0);
+    EXPECT_EQ(Run({"library", "sort", "ball.ico", "--in-place"}).exitCode, 1);
+}
+
+TEST_F(ContainerVerbs, AProgramGetsChangesAndLosesIcons) {
+    PutProgram("setup.exe");
+    PutIcon("a.ico", {k16}, 1);
+    PutIcon("b.ico", {k16, k32}, 2);
+    EXPECT_THAT(Run({"program", "replace", "setup.exe", "1", "a.ico"}).err, HasSubstr("does not contains icons"));
+    EXPECT_EQ(Run({"program", "add", "setup.exe", "a.ico", "b.ico", "--in-place"}).exitCode, 0);
+    auto ran = Run({"program", "add", "setup.exe", "b.ico", "--name", "MAIN", "--language", "1033", "--in-place"});
+    EXPECT_EQ(ran.exitCode, 0) << ran.err;
+    EXPECT_THAT(ran.out, HasSubstr("behind the image kept"));
+    const auto listed = Run({"program", "list", "setup.exe", "--json"}).out;
+    EXPECT_THAT(listed, HasSubstr("\"extra_bytes\": 3000"));
+    EXPECT_THAT(listed, HasSubstr("\"name\": \"MAIN\",\n        \"id\": -1,\n        \"language\": 1033,"));
+
+    ran = Run({"program", "replace", "setup.exe", "main", "a.ico", "-o", "new.exe"});
+    EXPECT_EQ(ran.exitCode, 0) << ran.err;
+    EXPECT_THAT(ran.out, HasSubstr("icon 1 \"MAIN\": 1 formats in, 2 out"));
+    EXPECT_EQ(Run({"program", "extract", "new.exe", "MAIN", "-o", "main.ico"}).exitCode, 0);
+    EXPECT_EQ(Get("main.ico"), Get("a.ico"));
+    EXPECT_EQ(Run({"program", "remove", "new.exe", "#1", "#2", "--in-place"}).exitCode, 0);
+    EXPECT_THAT(IconNames("new.exe"), ElementsAre("MAIN"));
+    EXPECT_THAT(Run({"program", "remove", "new.exe", "1", "--in-place"}).err, HasSubstr("(error code 109)"));
+    EXPECT_THAT(Run({"program", "replace", "new.exe", "1", "b.ico", "--restricted"}).err,
+                HasSubstr("strictly identical"));
+
+    EXPECT_EQ(Run({"program", "copy-icons", "setup.exe", "new.exe", "--in-place"}).exitCode, 0);
+    EXPECT_THAT(IconNames("new.exe"), ElementsAre("MAIN", "", ""));
+    for (const char* name : {"setup.exe", "new.exe"}) {
+        const auto file = Get(name);
+        EXPECT_TRUE(std::equal(m_tail.rbegin(), m_tail.rend(), file.rbegin())) << name;
+        EXPECT_EQ(PeImage::Parse(file).value().RawEnd() + m_tail.size(), file.size()) << name;
+    }
+}
+
+TEST_F(ContainerVerbs, ASignedProgramNeedsAWord) {
+    PutProgram("p.exe");
+    PutIcon("a.ico", {k16}, 1);
+    ASSERT_EQ(Run({"program", "add", "p.exe", "a.ico", "--in-place"}).exitCode, 0);
+    auto file = Get("p.exe");
+    const auto image = PeImage::Parse(file).value();
+    auto* entry = file.data() + image.DirectoryOffset(PeDirectory::Certificates);
+    StoreU32LE(entry, static_cast<std::uint32_t>(image.RawEnd()));
+    StoreU32LE(entry + 4, static_cast<std::uint32_t>(m_tail.size()));
+    WriteFileSafely(m_folder.Path("p.exe"), file);
+    const auto refused = Run({"program", "replace", "p.exe", "1", "a.ico", "--in-place"});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_THAT(refused.err, HasSubstr("--drop-signature"));
+    EXPECT_EQ(Get("p.exe"), file);
+    EXPECT_EQ(Run({"program", "replace", "p.exe", "1", "a.ico", "--in-place", "--drop-signature"}).exitCode, 0);
+    EXPECT_FALSE(IsSigned(PeImage::Parse(Get("p.exe")).value()));
+}
+
+} // namespace
+} // namespace pelorin
