@@ -11,9 +11,10 @@ namespace {
 
 constexpr std::size_t kHeaderSize = 6, kEntrySize = 16;
 
-// The bit count in the directory: unusual numbers of colours go out as 4 bits.
+// The bit count in the directory goes by the number of colours, and by alpha only where there is none. Unusual numbers
+// go out as 4 bits.
 int DirectoryBits(const CVnIcon& icon) {
-    const int bits = icon.BitCount();
+    const int bits = IconBitCount(icon.m_nColors, icon.m_bAlpha && icon.m_nColors == 0);
     return bits == 0 ? 4 : bits;
 }
 

@@ -165,17 +165,21 @@ TEST(IcoFile, GoldenDirectory) {
         ASSERT_TRUE(icon.ReadFromMemory(PlainIconBlock(f.width, f.height, f.bits), 0, 0));
         group.Add(icon);
     }
-    CVnIcon odd;
-    ASSERT_TRUE(odd.ReadFromMemory(BuildIconBlock({.width = 2, .doubledHeight = 2, .bits = 4, .colorsUsed = 3}), 0, 0));
-    group.Append(std::move(odd));
+    for (const int bits : {4, 32}) {
+        CVnIcon odd;
+        ASSERT_TRUE(
+            odd.ReadFromMemory(BuildIconBlock({.width = 2, .doubledHeight = 2, .bits = bits, .colorsUsed = 3}), 0, 0));
+        group.Append(std::move(odd));
+    }
     const auto file = BuildIcoFile(group);
     const Bytes expected = {
-        0,  0,  1, 0, 5, 0,                                            //
-        1,  1,  2, 0, 1, 0, 1,  0, 56,   0,    0, 0, 86,   0,    0, 0, //
-        16, 17, 0, 0, 1, 0, 8,  0, 0x7C, 5,    0, 0, 142,  0,    0, 0, //
-        48, 48, 0, 0, 1, 0, 24, 0, 0xA8, 0x1C, 0, 0, 0x0A, 6,    0, 0, //
-        0,  0,  0, 0, 1, 0, 32, 0, 0x28, 0x20, 4, 0, 0xB2, 0x22, 0, 0, //
-        2,  1,  3, 0, 1, 0, 4,  0, 56,   0,    0, 0, 0xDA, 0x42, 4, 0, //
+        0,  0,  1, 0, 6, 0,                                            //
+        1,  1,  2, 0, 1, 0, 1,  0, 56,   0,    0, 0, 102,  0,    0, 0, //
+        16, 17, 0, 0, 1, 0, 8,  0, 0x7C, 5,    0, 0, 158,  0,    0, 0, //
+        48, 48, 0, 0, 1, 0, 24, 0, 0xA8, 0x1C, 0, 0, 0x1A, 6,    0, 0, //
+        0,  0,  0, 0, 1, 0, 32, 0, 0x28, 0x20, 4, 0, 0xC2, 0x22, 0, 0, //
+        2,  1,  3, 0, 1, 0, 4,  0, 56,   0,    0, 0, 0xEA, 0x42, 4, 0, //
+        2,  1,  3, 0, 1, 0, 4,  0, 64,   0,    0, 0, 0x22, 0x43, 4, 0, //
     };
     ASSERT_GT(file.size(), expected.size());
     EXPECT_EQ(Bytes(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(expected.size())), expected);
