@@ -1,5 +1,7 @@
 #include "base/files.h"
 
+#include "base/file_error.h"
+
 #include <climits>
 
 #include <array>
@@ -20,7 +22,7 @@ namespace {
 
 [[noreturn]] void Throw(int error) {
     std::array<char, 256> text{};
-    throw FileException(strerror_r(error, text.data(), text.size()));
+    throw SystemFileException(strerror_r(error, text.data(), text.size()), error);
 }
 
 constexpr std::string_view kSlashes = "/\\";

@@ -1,12 +1,11 @@
 // The PE form: the blank DLL with resources put in.
 #include "base/text.h"
-#include "containers/blank_dll.h"
 #include "containers/icl_file.h"
 #include "containers/icon_resources.h"
 #include "containers/pe_icons.h"
 #include "core/strings.h"
 #include "core/temp_files.h"
-#include "formats/vnzb.h"
+#include "formats/program_resources.h"
 
 namespace pelorin {
 
@@ -31,14 +30,7 @@ private:
 };
 
 bool ExtractBlankDll(const std::string& path) {
-    const auto dll = UncompressVnzb(PackedBlankDll());
-    if (!dll) return false;
-    try {
-        WriteFileSafely(path, *dll);
-    } catch (const FileException&) {
-        return false;
-    }
-    return true;
+    return ExtractVnzbResourceToPath("BLANKDLL", path);
 }
 
 Bytes NameTable(IconList icons) {

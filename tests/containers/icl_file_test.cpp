@@ -1,4 +1,3 @@
-#include "containers/blank_dll.h"
 #include "containers/icl_file.h"
 #include "containers/icon_resources.h"
 #include "containers/ne_file.h"
@@ -6,7 +5,7 @@
 #include "containers/program_file.h"
 #include "core/temp_files.h"
 #include "core/user_prompt.h"
-#include "formats/vnzb.h"
+#include "formats/program_resources.h"
 #include "support/icon_builder.h"
 
 #include <gtest/gtest.h>
@@ -167,9 +166,9 @@ TEST(LibraryPe, AnEmptyLibraryIsTheBlankDll) {
     const TestFolder folder;
     ResourceUpdater updater;
     ASSERT_EQ(WriteLibraryPe(folder / "empty.icl", {}, updater), LibraryError::None);
-    const auto blank = UncompressVnzb(PackedBlankDll());
+    const auto blank = ExtractVnzbResource("BLANKDLL");
     ASSERT_TRUE(blank);
-    EXPECT_EQ(blank->size(), kBlankDllSize);
+    EXPECT_EQ(blank->size(), 40960u);
     EXPECT_EQ(ReadBytes(folder / "empty.icl"), *blank);
     const auto image = PeImage::Parse(*blank);
     ASSERT_TRUE(image);
