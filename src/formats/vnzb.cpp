@@ -16,7 +16,7 @@ Bytes Compress(std::string_view magic, ByteSpan content) {
     uLongf length = compressBound(static_cast<uLong>(content.size()));
     const std::size_t start = magic.size() + kSizeField;
     Bytes block(start + length);
-    std::memcpy(block.data(), magic.data(), magic.size());
+    std::copy(magic.begin(), magic.end(), block.begin());
     StoreU32LE(block.data() + magic.size(), static_cast<std::uint32_t>(content.size()));
     if (compress(block.data() + start, &length, content.data(), static_cast<uLong>(content.size())) != Z_OK) return {};
     block.resize(start + length);
