@@ -7,32 +7,13 @@
 
 namespace pelorin {
 
-template <class Archive, class Shadow>
-void ExchangeShadow(Archive& ar, Shadow& shadow) {
-    ar.Flag(shadow.on);
-    ar.Color(shadow.color);
-    ar.Number(shadow.opacity);
-    ar.Number(shadow.angle);
-    ar.Number(shadow.distance);
-    ar.Number(shadow.size);
-}
-
-template <class Archive, class Glow>
-void ExchangeGlow(Archive& ar, Glow& glow) {
-    ar.Flag(glow.on);
-    ar.Color(glow.color);
-    ar.Number(glow.opacity);
-    ar.Number(glow.width);
-    ar.Number(glow.size);
-}
-
-template <class Archive, class Effect>
-void ExchangeEffect(Archive& ar, Effect& effect) {
+/// What every effect begins with, and the numbers that follow.
+template <class Archive, class Effect, class... Numbers>
+void ExchangeEffect(Archive& ar, Effect& effect, Numbers&... numbers) {
     ar.Flag(effect.on);
     ar.Color(effect.color);
     ar.Number(effect.opacity);
-    ar.Number(effect.firstSize);
-    ar.Number(effect.secondSize);
+    (ar.Number(numbers), ...);
 }
 
 template <class Archive, class Layer>
@@ -48,9 +29,10 @@ void ExchangeLayer(Archive& ar, Layer& layer) {
     ar.Raster(layer.m_Raster, layer.m_RasterSize);
     ar.PackedText(layer.m_strText);
     ar.Rectangle(layer.m_Rect);
-    ExchangeShadow(ar, layer.m_Shadow);
-    ExchangeGlow(ar, layer.m_Glow);
-    ExchangeEffect(ar, layer.m_Effect);
+    auto& shadow = layer.m_Shadow;
+    ExchangeEffect(ar, shadow, shadow.angle, shadow.distance, shadow.size);
+    ExchangeEffect(ar, layer.m_Glow, layer.m_Glow.width, layer.m_Glow.size);
+    ExchangeEffect(ar, layer.m_Effect, layer.m_Effect.firstSize, layer.m_Effect.secondSize);
 }
 
 /// An image without its layers.
