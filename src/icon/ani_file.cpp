@@ -10,9 +10,25 @@ namespace pelorin {
 
 namespace {
 
+// A frame lies whole in memory, so a block whose pixels are not all there is damaged; only the mask may be missing.
+bool HasAllPixels(ByteSpan image) {
+    IconBlockHeader header;
+    if (!ReadIconBlockHeader(image, header)) return true;
+    return IconBlockLayout(header.width, header.height, header.colors, header.Alpha()).andRows <= image.size();
+}
+
 bool ReadFirstImage(ByteSpan icoFile, CVnIcon& icon) {
     IcoDirectory directory;
-    return ReadIcoDirectory(icoFile, directory) && ReadIcoImage(icoFile, directory.entries.front(), icon);
+    if (!ReadIcoDirectory(icoFile, directory)) return false;
+    const auto& entry = directory.entries.front();
+    return entry.offset < icoFile.size() && HasAllPixels(icoFile.subspan(entry.offset)) &&
+           ReadIcoImage(icoFile, entry, icon);
+}
+
+std::int64_t PixelsOf(const CIconGroup& group) {
+    std::int64_t pixels = 0;
+    for (const auto& icon : group.m_arrIcons) pixels += std::int64_t{icon->m_nWidth} * icon->m_nHeight;
+    return pixels;
 }
 
 // The steps that have a frame, in order.
@@ -76,9 +92,12 @@ DibBlock ReadAni(ByteSpan file, const PictureRequest& request, PictureFacts& fac
 bool VisitAniFrames(ByteSpan file, const IconVisitor& visitor) {
     AniChunks ani;
     if (!ReadAniChunks(file, ani) || ani.frames.empty()) return false;
+    std::int64_t pixels = 0;
     for (int i = 0; i < static_cast<int>(ani.frames.size()); ++i) {
         CIconGroup group;
         if (!ReadIcoGroup(ani.FrameFile(i), group)) return false;
+        pixels += PixelsOf(group);
+        if (pixels > kMaxPixels) return false;
         if (!visitor(group)) return true;
     }
     return true;

@@ -174,8 +174,13 @@ TEST(Ani, SurvivesDamage) {
         EXPECT_EQ(ReadAniFile(cut, list), 0) << size << " bytes";
     }
     // One frame of 2048 x 2048 that is shown again and again.
-    const auto large = BuildIconBlock({.width = 2048, .doubledHeight = 4096});
+    auto large = BuildIconBlock({.width = 2048, .doubledHeight = 4096});
     std::vector<CAniObject> list;
+    EXPECT_EQ(ReadAniFile(Build({.frames = {BuildIco({{.image = large}})}, .steps = 1}), list), 0)
+        << "no pixels at all";
+    large.resize(large.size() + std::size_t{2048} * 2048 * 4);
+    EXPECT_EQ(ReadAniFile(Build({.frames = {BuildIco({{.image = large}})}, .steps = 1}), list), 1);
+    list.clear();
     const Ani many{.frames = {BuildIco({{.image = large}})}, .steps = 40, .sequence = std::vector<std::uint32_t>(40)};
     EXPECT_EQ(ReadAniFile(Build(many), list), 0);
 }
