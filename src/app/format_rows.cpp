@@ -1,6 +1,7 @@
 #include "app/format_rows.h"
 
 #include "containers/container_sources.h"
+#include "containers/mac_icon_rows.h"
 #include "icon/icon_pictures.h"
 
 namespace pelorin {
@@ -9,6 +10,8 @@ void RegisterFormatRows() {
     [[maybe_unused]] static const bool once = [] {
         AddPictureFormats(IconPictureFormats());
         AddIconSources(ContainerIconSources());
+        AddIconSources(MacintoshIconSources());
+        AddIconFileForms(MacintoshFileForms());
         return true;
     }();
 }

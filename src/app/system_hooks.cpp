@@ -1,22 +1,16 @@
 #include "app/system_hooks.h"
 
 #include "base/files.h"
+#include "containers/mac_scan.h"
 #include "icon/icon_doc.h"
-#include "icon/icon_sources.h"
 
 namespace pelorin {
 
 std::unique_ptr<IconListContent> SystemHooks::ReadIconList(const std::string& path) {
     try {
         const auto file = FileView::Open(path);
-        const auto* source = FindIconSource(file.Data(), GetFileKind(path));
-        if (source == nullptr) return nullptr;
         std::vector<CIconGroup> icons;
-        const bool whole = source->visit(file.Data(), [&icons](CIconGroup& group) {
-            icons.push_back(std::move(group));
-            return true;
-        });
-        if (!whole && icons.empty()) return nullptr;
+        if (!ReadMacintoshIcons(file.Data(), icons)) return nullptr;
         return std::make_unique<IconGroupsContent>(std::move(icons));
     } catch (const FileException&) {
         return nullptr;
@@ -24,19 +18,13 @@ std::unique_ptr<IconListContent> SystemHooks::ReadIconList(const std::string& pa
 }
 
 bool SystemHooks::HasMacintoshIcon(const std::string& path) {
-    bool found = false;
     try {
         const auto file = FileView::Open(path);
-        const auto* source = FindIconSource(file.Data(), kKindMacBinary);
-        if (source == nullptr) return false;
-        (void)source->visit(file.Data(), [&found](CIconGroup&) {
-            found = true;
-            return false; // one will do
-        });
+        // One icon will do.
+        return IsMacBinary(file.Data()) && VisitMacintoshIcons(file.Data(), [](CIconGroup&) { return false; });
     } catch (const FileException&) {
         return false;
     }
-    return found;
 }
 
 } // namespace pelorin

@@ -67,12 +67,12 @@ std::vector<IconFormat> PresetFormats(Preset preset, bool macintosh) {
     }
 }
 
-std::vector<IconFormat> WantedFormats(const CreateOptions& options) {
+std::vector<IconFormat> WantedFormats(const CreateOptions& options, const IconFileForm& form) {
     auto formats = options.formats.empty() ? PresetFormats(options.preset, options.macintosh) : options.formats;
     std::vector<IconFormat> unique;
     for (const auto& format : formats) {
         if (std::find(unique.begin(), unique.end(), format) == unique.end()) unique.push_back(format);
-        if (CheckFormat(format, options.macintosh) != FormatRule::Allowed) {
+        if (form.allows != nullptr && !form.allows(format)) {
             throw UsageError(
                 fmt::format("a Macintosh icon has no format {}x{}x{}", format.width, format.height, format.bits));
         }
@@ -82,9 +82,9 @@ std::vector<IconFormat> WantedFormats(const CreateOptions& options) {
     return unique;
 }
 
-FromImageOptions MakingOptions(const CreateOptions& options, const Run& run) {
+FromImageOptions MakingOptions(const CreateOptions& options, const Run& run, const IconFileForm& form) {
     auto making = StoredFromImageOptions(options.macintosh);
-    making.formats = WantedFormats(options);
+    making.formats = WantedFormats(options, form);
     if (options.noDither) making.dither = false;
     if (options.key) making.key = ColorRefFromRgb(options.key->Rgb());
     if (options.filter) making.filter = {true, *options.filter};
@@ -160,9 +160,9 @@ void CreateOne(Run& run, const std::string& picture, const CreateOptions& option
     if (formats.empty()) throw FileException("no format could be made of this picture");
     auto group = GroupOf(formats, g_bWinExplorerCompatibleOrder);
     group.m_nInfo = options.macintosh ? 1 : 0;
-    const auto bytes = form.write(group);
-    if (bytes.empty()) throw FileException("the icon cannot be kept in a file of this kind");
     const auto path = OutputPath(run, picture, "", form.extension, options.pictures.size() > 1);
+    const auto bytes = form.write(group, path);
+    if (bytes.empty()) throw FileException("the icon cannot be kept in a file of this kind");
     WriteOutput(run, path, bytes);
     if (path != "-") run.Note(Summary(path, group, bytes.size()));
 }
@@ -199,7 +199,7 @@ VerbAction SetUpCreate(VerbSetup& setup) {
     return [options](Run& run) {
         const auto& form = WantedForm(*options, run.Options().output);
         options->macintosh = form.macintosh;
-        const auto making = MakingOptions(*options, run);
+        const auto making = MakingOptions(*options, run, form);
         std::vector<SizeArt> art;
         if (!run.Attempt("--per-size", [&] { art = ReadArt(*options); })) return;
         run.ForEachAtOnce("icons", options->pictures, [&](const std::string& picture) {

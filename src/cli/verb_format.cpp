@@ -44,9 +44,9 @@ void ChangeIcon(Run& run, const FormatOptions& options, const std::function<void
         if (groups.size() != 1) throw FileException("the file has more than one icon");
         auto& group = groups.front();
         change(group);
-        const auto bytes = form->write(group);
-        if (bytes.empty()) throw FileException("the icon cannot be kept in a file of this kind");
         const auto path = OutputPath(run, options.icon, "", form->extension, false);
+        const auto bytes = form->write(group, path);
+        if (bytes.empty()) throw FileException("the icon cannot be kept in a file of this kind");
         WriteOutput(run, path, bytes);
         if (path != "-")
             run.Note(fmt::format("{}  {}, {}", Printable(path), group.GetSizeText(), BytesText(bytes.size())));

@@ -48,6 +48,9 @@ struct IconBlockLayout {
     [[nodiscard]] static IconBlockLayout Of(ByteSpan block);
 };
 
+/// A block with its header filled in and everything behind it 0.
+[[nodiscard]] Bytes EmptyIconBlock(const IconBlockLayout& layout);
+
 /// 32-bpp picture of an icon block, for PNG files in icons. At 1, 4 and 8 bits a set AND bit gives (192, 192, 192) with
 /// alpha 0, all else the table's colour (black and white at 1 bit) with alpha 255. At 24 bits an opaque pixel comes out
 /// black, and the source row takes the black too: kept on purpose. Empty for a block that is not whole.

@@ -8,23 +8,6 @@ namespace pelorin {
 
 namespace {
 
-// A fresh block with its header filled in and everything behind it 0.
-Bytes EmptyBlock(const IconBlockLayout& layout) {
-    ByteWriter header(layout.size);
-    header.U32LE(kDibHeaderSize);
-    header.I32LE(layout.width);
-    header.I32LE(layout.height * 2);
-    header.U16LE(1);
-    header.U16LE(static_cast<std::uint32_t>(layout.bits));
-    header.U32LE(0);
-    header.U32LE(static_cast<std::uint32_t>(layout.size));
-    header.Zeros(8);
-    header.U32LE(static_cast<std::uint32_t>(layout.colors));
-    header.Zeros(4);
-    header.Zeros(layout.size - header.Size());
-    return header.Take();
-}
-
 void StoreTable(Bytes& block, const ColorTable& table, int colors) {
     for (std::size_t i = 0; i < static_cast<std::size_t>(colors); ++i)
         StoreU32LE(&block[kDibHeaderSize + i * 4], table[i]);
@@ -72,11 +55,27 @@ void PutColors(Bytes& block, const IconBlockLayout& layout, const DibView& pictu
 
 } // namespace
 
+Bytes EmptyIconBlock(const IconBlockLayout& layout) {
+    ByteWriter header(layout.size);
+    header.U32LE(kDibHeaderSize);
+    header.I32LE(layout.width);
+    header.I32LE(layout.height * 2);
+    header.U16LE(1);
+    header.U16LE(static_cast<std::uint32_t>(layout.bits));
+    header.U32LE(0);
+    header.U32LE(static_cast<std::uint32_t>(layout.size));
+    header.Zeros(8);
+    header.U32LE(static_cast<std::uint32_t>(layout.colors));
+    header.Zeros(4);
+    header.Zeros(layout.size - header.Size());
+    return header.Take();
+}
+
 Bytes DIB32ToIconBlock(const DibBlock& block32, int bits) {
     const DibView picture(block32);
     if (!picture || picture.BitCount() != 32 || !IsIconDepth(bits)) return {};
     const IconBlockLayout layout(picture.Width(), picture.Height(), IconColors(bits), bits == 32);
-    auto block = EmptyBlock(layout);
+    auto block = EmptyIconBlock(layout);
     switch (bits) {
     case 32: PutColors<4>(block, layout, picture); break;
     case 24: PutColors<3>(block, layout, picture); break;

@@ -37,7 +37,7 @@ const IconFileForm* FormFor(const std::string& path, bool macintosh) {
 Bytes CIconDoc::Store() {
     const auto* form = FormFor(m_strFilePath, m_bMacintosh);
     if (form == nullptr) throw FileException("this program cannot write Macintosh icons");
-    auto bytes = form->write(MakeGroup());
+    auto bytes = form->write(MakeGroup(), m_strFilePath);
     if (bytes.empty()) throw FileException("the icon cannot be kept in this form");
     return bytes;
 }

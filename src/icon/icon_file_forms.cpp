@@ -13,7 +13,7 @@ bool ReadIco(ByteSpan file, std::vector<CIconGroup>& groups) {
     return true;
 }
 
-Bytes WriteIco(const CIconGroup& icon) {
+Bytes WriteIco(const CIconGroup& icon, std::string_view) {
     return BuildIcoFile(icon);
 }
 

@@ -16,9 +16,9 @@ struct IconFileForm {
     bool macintosh;
     /// Appends the file's icons; false, with the list unchanged, when it holds none.
     bool (*read)(ByteSpan file, std::vector<CIconGroup>& groups);
-    /// The whole file; formats that the form does not allow are left out. Empty when nothing is left or it cannot be
-    /// made.
-    Bytes (*write)(const CIconGroup& icon);
+    /// The whole file as it will stand at `path`; formats that the form does not allow are left out. Empty when nothing
+    /// is left or it cannot be made. Throws `FileException` where there is more to say.
+    Bytes (*write)(const CIconGroup& icon, std::string_view path);
     /// Whether the form can hold such a format; null: any.
     bool (*allows)(const IconFormat& format);
 };

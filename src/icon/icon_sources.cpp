@@ -17,7 +17,7 @@ bool VisitIco(ByteSpan file, const IconVisitor& visitor) {
     return true;
 }
 
-// A deque, so that rows that were handed out stay where they are.
+// A deque, so that rows that were handed out stay where they are while others are put in front.
 std::deque<IconSource>& Sources() {
     static std::deque<IconSource> sources = {
         {kKindIco, "ico", [](ByteSpan file) { return IcoTypeOf(file) == kIcoTypeIcon; }, VisitIco, InspectIco},
@@ -30,7 +30,7 @@ std::deque<IconSource>& Sources() {
 } // namespace
 
 void AddIconSources(std::span<const IconSource> rows) {
-    Sources().insert(Sources().end(), rows.begin(), rows.end());
+    Sources().insert(Sources().begin(), rows.begin(), rows.end());
 }
 
 std::vector<const IconSource*> AllIconSources() {
@@ -44,9 +44,8 @@ const IconSource* FindIconSource(ByteSpan file, int kind) {
     const IconSource* untested = nullptr;
     for (const auto& row : Sources()) {
         const bool named = kind != kKindNone && row.kind == kind;
-        if (row.matches == nullptr) {
-            if (named) untested = &row;
-        } else if (row.matches(file)) {
+        if (named && (row.byName || row.matches == nullptr)) untested = &row;
+        if (row.matches != nullptr && row.matches(file)) {
             if (named) return &row;
             if (matching == nullptr) matching = &row;
         }

@@ -68,13 +68,16 @@ struct IconSource {
     /// As `visit`, with icons that cost nothing until they are asked for more; null where a file's icons are all read
     /// at once.
     bool (*visitLazily)(ByteSpan file, const LazyIconVisitor& visitor) = nullptr;
+    /// A file of this kind's name is taken where no content matches; so it is with a row without a test.
+    bool byName = false;
 };
 
-/// Adds rows; they are asked after those that are built in. Called at start-up, before the first use.
+/// Adds rows; they are asked before those that are built in, whose tests are the weakest. Called at start-up, before
+/// the first use.
 void AddIconSources(std::span<const IconSource> rows);
 [[nodiscard]] std::vector<const IconSource*> AllIconSources();
 /// The row for a file, null when no row takes it. A row of the named kind (0: none) is preferred where several match;
-/// where none matches by content, the row of the named kind is given if it has no test.
+/// where none matches by content, the row of the named kind is given if the name is enough for it.
 [[nodiscard]] const IconSource* FindIconSource(ByteSpan file, int kind);
 
 } // namespace pelorin
