@@ -81,7 +81,7 @@ public:
     CVniLayers m_arrLayers;
 
     /// All visible layers on one another, 32 bits. Empty for an image without size, or when the layers together are
-    /// many times larger than any picture may be.
+    /// drawn many times larger than image and rasters are.
     [[nodiscard]] DibBlock Composite();
 };
 

@@ -12,8 +12,15 @@ namespace pelorin {
 
 namespace {
 
-// What the layers of one composite may have together.
-constexpr std::int64_t kMostLayerPixels = 2 * kMaxPixels;
+// What the drawn layers of a composite may have together: a small file can stretch a pixel to any size.
+constexpr std::int64_t kMostLayerPixels = 2 * kMaxPixels, kFreeLayerPixels = std::int64_t{4} << 20;
+constexpr std::int64_t kLayerPixelsPerPixel = 64;
+
+std::int64_t LayerBudget(const CVniImage& image) {
+    std::int64_t pixels = std::int64_t{image.m_Size.width} * image.m_Size.height;
+    for (const auto& layer : image.m_arrLayers) pixels += static_cast<std::int64_t>(layer.m_Raster.size() / 4);
+    return std::clamp(pixels * kLayerPixelsPerPixel, kFreeLayerPixels, kMostLayerPixels);
+}
 
 // 64 bits, because the fields are whatever a file says.
 struct Margins {
@@ -86,14 +93,14 @@ DibBlock CVniImage::Composite() {
     auto block = CreateDIB(m_Size.width, m_Size.height, 32);
     const DibRows rows(block);
     if (!rows) return {};
-    std::int64_t pixels = 0;
+    auto budget = LayerBudget(*this);
     for (auto& layer : m_arrLayers) {
         if (!layer.m_bVisible) continue;
         const auto margins = MarginsOf(layer);
         const auto extent = ExtentOf(layer, margins);
         if (!extent.Sane()) continue;
-        pixels += extent.outerWidth * extent.outerHeight;
-        if (pixels > kMostLayerPixels) return {};
+        budget -= extent.outerWidth * extent.outerHeight;
+        if (budget < 0) return {};
         if (const DibView view(layer.GetRendered()); view) {
             BlendVniLayer(rows, view, layer.m_Rect.left - margins.left, layer.m_Rect.top - margins.top,
                           layer.m_nOpacity);

@@ -220,14 +220,15 @@ TEST(Vio, SurvivesDamage) {
     object.images[0].m_arrLayers[0].m_RasterSize.height = 2;
     EXPECT_FALSE(ReadImageObject(WriteImageObject(object), read)) << "a raster without all of its rows";
 
-    // Many layers that are one pixel in the file and as large as allowed when they are drawn.
-    CVniImage image = Image({1, 1}, {});
-    for (int i = 0; i < 3; ++i) {
-        image.m_arrLayers.push_back(Raster(0, 0, 1, {0xFF000000}));
-        image.m_arrLayers.back().m_Rect = {0, 0, 8191, 8191};
-        image.m_arrLayers.back().m_nKind = 1;
-    }
+    // A layer that is one pixel in the file and huge when it is drawn; a larger image may have it.
+    auto layer = Raster(0, 0, 1, {0xFF000000});
+    layer.m_Rect = {0, 0, 2047, 2048};
+    std::vector<CVniLayer> one;
+    one.push_back(std::move(layer));
+    auto image = Image({1, 1}, std::move(one));
     EXPECT_FALSE(image.Composite());
+    image.m_Size = {1000, 1000};
+    EXPECT_TRUE(image.Composite());
 }
 
 TEST(Vio, RastersAndBlocks) {
