@@ -1,5 +1,5 @@
-#include "cli/console_prompt.h"
 #include "cli/json_writer.h"
+#include "cli/run_prompt.h"
 #include "cli/syntax.h"
 #include "cli/terminal_progress.h"
 #include "cli/text_table.h"
@@ -126,7 +126,7 @@ TEST(CommandParser, NamesThatLookLikeVerbsAndOptions) {
     EXPECT_EQ(g_taken.files, (std::vector<std::string>{"list", "info", "-", "-x"}));
 }
 
-TEST(ConsolePrompt, QuestionsAreAnsweredByOptionsOrFail) {
+TEST(RunPrompt, QuestionsAreAnsweredByOptionsOrSayWhichDoes) {
     struct Case {
         std::optional<bool> answer;
         PromptButtons buttons;
@@ -145,9 +145,9 @@ TEST(ConsolePrompt, QuestionsAreAnsweredByOptionsOrFail) {
         CommonOptions options;
         options.answer = c.answer;
         pelorin::cli::Run run(options);
-        ConsolePrompt prompt(run);
+        RunPrompt prompt(run);
         EXPECT_EQ(prompt.ShowText(1, "Really?", PromptIcon::Question, c.buttons), c.expected);
-        EXPECT_EQ(run.Failed(), c.fails);
+        EXPECT_EQ(prompt.Reason(""), c.fails ? "Really? (--yes or --no decides)" : "");
     }
 }
 
