@@ -11,10 +11,12 @@ namespace pelorin {
 namespace {
 
 // A frame lies whole in memory, so a block whose pixels are not all there is damaged; only the mask may be missing.
+// One with an unusual number of colours has no pixels in the first place.
 bool HasAllPixels(ByteSpan image) {
     IconBlockHeader header;
     if (!ReadIconBlockHeader(image, header)) return true;
-    return IconBlockLayout(header.width, header.height, header.colors, header.Alpha()).andRows <= image.size();
+    const IconBlockLayout layout(header.width, header.height, header.colors, header.Alpha());
+    return layout.bits != 0 && layout.andRows <= image.size();
 }
 
 bool ReadFirstImage(ByteSpan icoFile, CVnIcon& icon) {

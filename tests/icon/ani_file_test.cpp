@@ -178,6 +178,9 @@ TEST(Ani, SurvivesDamage) {
     std::vector<CAniObject> list;
     EXPECT_EQ(ReadAniFile(Build({.frames = {BuildIco({{.image = large}})}, .steps = 1}), list), 0)
         << "no pixels at all";
+    const auto odd =
+        BuildIconBlock({.width = 2048, .doubledHeight = 4096, .bits = 4, .colorsUsed = 3, .behind = Bytes(12)});
+    EXPECT_EQ(ReadAniFile(Build({.frames = {BuildIco({{.image = odd}})}, .steps = 1}), list), 0) << "no depth";
     large.resize(large.size() + std::size_t{2048} * 2048 * 4);
     EXPECT_EQ(ReadAniFile(Build({.frames = {BuildIco({{.image = large}})}, .steps = 1}), list), 1);
     list.clear();
