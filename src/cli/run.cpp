@@ -53,8 +53,16 @@ void Run::Detail(std::string_view line) {
 }
 
 void Run::Fail(std::string_view file, std::string_view reason) {
-    const std::lock_guard lock(m_mutex);
     m_failed = true;
+    TellError(file, reason);
+}
+
+void Run::Warn(std::string_view file, std::string_view text) {
+    TellError(file, fmt::format("warning: {}", text));
+}
+
+void Run::TellError(std::string_view file, std::string_view reason) {
+    const std::lock_guard lock(m_mutex);
     // Both streams often end on one screen: keep what was printed before in front. When standard output is broken, its
     // own error is told at the end.
     try {

@@ -4,6 +4,7 @@
 #include "base/progress.h"
 #include "cli/verb_setup.h"
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -35,6 +36,8 @@ public:
     void Detail(std::string_view line);
     /// "pelorin-cli: FILE: reason" on standard error; the exit code will be 1.
     void Fail(std::string_view file, std::string_view reason);
+    /// "pelorin-cli: FILE: warning: text" on standard error; nothing has failed.
+    void Warn(std::string_view file, std::string_view text);
     [[nodiscard]] bool Failed() const { return m_failed; }
 
     /// True when no file of this run has taken the path yet; from now on it is taken.
@@ -57,13 +60,14 @@ public:
     void Flush();
 
 private:
+    void TellError(std::string_view file, std::string_view reason);
     void FlushLocked();
 
     const CommonOptions& m_options;
     std::mutex m_mutex;
     std::string m_pending;
     std::set<std::string> m_claimed;
-    bool m_failed = false;
+    std::atomic<bool> m_failed = false;
     bool m_outputIsTerminal;
     std::unique_ptr<Progress> m_progress;
 };

@@ -2,6 +2,7 @@
 #include "cli/json_writer.h"
 #include "cli/text_table.h"
 #include "cli/verb.h"
+#include "containers/icns_elements.h"
 
 #include <fmt/format.h>
 
@@ -11,6 +12,14 @@ namespace {
 
 std::string DescriptionOf(const IconOutline::Format& row, const IconOutline& icon) {
     return FormatDescription(row.format.width, row.format.height, row.format.bits, icon.macintosh);
+}
+
+// The elements of a Macintosh family that hold an image: "il32 l8mk"; empty in all other files.
+std::string ElementsOf(const IconOutline::Format& row, const IconOutline& icon) {
+    const auto* kind = icon.macintosh ? IcnsElementFor(row.format) : nullptr;
+    if (!kind) return {};
+    const auto* mask = IcnsMaskElement(kind->width, kind->height, kind->colorBits == 24 ? 8 : 1);
+    return mask && mask != kind ? fmt::format("{} {}", kind->type, mask->type) : std::string(kind->type);
 }
 
 void WriteIcon(JsonWriter& json, const IconOutline& icon) {
@@ -27,6 +36,7 @@ void WriteIcon(JsonWriter& json, const IconOutline& icon) {
         json.Field("compressed", row.compressed);
         json.Field("bytes", std::int64_t{row.bytes});
         json.Field("description", DescriptionOf(row, icon));
+        if (icon.macintosh) json.Field("elements", ElementsOf(row, icon));
         json.EndObject();
     }
     json.EndArray();
@@ -77,7 +87,7 @@ std::string FormatsOneByOne(const std::string& file, const IconOutline& icon) {
     int number = 0;
     for (const auto& row : icon.formats) {
         table.Row({fmt::format("{}", ++number), DescriptionOf(row, icon), fmt::format("{}-bit", row.format.bits),
-                   fmt::format("{} bytes", row.bytes), row.compressed ? "PNG" : ""});
+                   fmt::format("{} bytes", row.bytes), row.compressed ? "PNG" : ElementsOf(row, icon)});
     }
     return text + table.Text();
 }

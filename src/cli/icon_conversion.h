@@ -1,0 +1,27 @@
+// The icon side of `convert`: icon files and pictures into icon files, libraries and archives of icons.
+#pragma once
+
+#include "cli/run.h"
+#include "icon/icon_file_forms.h"
+
+namespace pelorin::cli {
+
+struct IconTarget {
+    /// What the files are written as; null for a library or an archive.
+    const IconFileForm* form = nullptr;
+    bool library = false, archive = false;
+    [[nodiscard]] bool IsIcon() const { return form || library || archive; }
+};
+
+/// Told by the name of the output.
+[[nodiscard]] IconTarget IconTargetOf(const std::string& output);
+
+/// Converts all files; failures of single ones are told.
+void ConvertToIcons(Run& run, const std::vector<std::string>& files, const IconTarget& target,
+                    const std::vector<IconFormat>& formats);
+
+/// The picture of an icon file for which no picture reader is there, or of one of its formats: of the first icon the
+/// widest and deepest image. Empty when the file carries no icons or pictures of it are read as such.
+[[nodiscard]] DibBlock PictureOfIcons(const std::string& file, const std::vector<IconFormat>& formats);
+
+} // namespace pelorin::cli
