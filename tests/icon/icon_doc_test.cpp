@@ -6,6 +6,7 @@
 #include "core/user_prompt.h"
 #include "icon/ico_file.h"
 #include "icon/icon_doc.h"
+#include "icon/icon_file_forms.h"
 #include "icon/standard_formats.h"
 #include "support/dib_builder.h"
 #include "support/temp_folder.h"
@@ -235,6 +236,49 @@ TEST_F(IconDoc, AReadOnlyFileIsSavedUnderAnotherName) {
     EXPECT_TRUE(doc.OnFileSave());
     EXPECT_EQ(doc.GetPathName(), Path("b.ico"));
     EXPECT_EQ(m_dialogs.asked[0].title, "Save Icon As...");
+}
+
+// Stands in for the Macintosh forms of a higher folder: it holds 32 x 32 and nothing else.
+Bytes WriteCount(const CIconGroup& icon, std::string_view) {
+    return {'m', 'a', 'c', static_cast<std::uint8_t>(icon.GetCount())};
+}
+
+class WatchedDoc final : public CIconDoc {
+public:
+    using CIconDoc::CIconDoc;
+    int changes = 0;
+    void OnSystemChanged() override { ++changes; }
+};
+
+TEST_F(IconDoc, SavingForTheMacintoshTellsWhatIsLost) {
+    static constexpr IconFileForm form = {kKindIcns, "icns",     true,
+                                          nullptr,   WriteCount, [](const IconFormat& f) { return f.width == 32; }};
+    AddIconFileForms(std::span(&form, 1));
+    WatchedDoc doc(m_services);
+    Open(doc, SampleFile("a.ico"));
+    m_dialogs.paths = {Path("a.icns"), Path("a.icns")};
+    m_prompt = ScriptedPrompt{PromptAnswer::No};
+    EXPECT_FALSE(doc.OnFileSaveAs(CIconDoc::SaveAs::Macintosh));
+    EXPECT_EQ(m_prompt.Shown()[0].title, "Apple® Macintosh® Icon Compatibility");
+    EXPECT_EQ(m_prompt.Shown()[0].text,
+              "The following image format(s) are not compatible with Apple® Macintosh® Icon format:\n\n"
+              "     - 16x16 - 16 colors\n\nIf you continue, the above format(s) will be lost. Continue anyway?");
+    EXPECT_FALSE(FileExists(Path("a.icns")));
+    EXPECT_FALSE(doc.m_bMacintosh);
+
+    m_prompt = ScriptedPrompt{PromptAnswer::Yes};
+    EXPECT_TRUE(doc.OnFileSaveAs(CIconDoc::SaveAs::Macintosh));
+    EXPECT_EQ(m_dialogs.asked[1].title, "Save Icon As Macintosh® Format...");
+    EXPECT_TRUE(doc.m_bMacintosh);
+    EXPECT_EQ(doc.changes, 1);
+    EXPECT_EQ(AsText(FileView::Open(Path("a.icns")).Data()), std::string_view("mac\2", 4))
+        << "the writer skips what it cannot hold";
+    EXPECT_EQ(doc.GetFormatCount(), 2) << "the formats themselves stay";
+
+    m_prompt = ScriptedPrompt{};
+    ASSERT_TRUE(doc.RemoveFormat(doc.FindFormat({32, 32, 32})));
+    EXPECT_FALSE(doc.OnFileSave()) << "nothing would be left";
+    EXPECT_EQ(m_prompt.Shown()[0].title, "Unable to save as Apple® Macintosh® Icon");
 }
 
 TEST_F(IconDoc, RulesOfAddedFormats) {
