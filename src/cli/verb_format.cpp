@@ -32,6 +32,19 @@ std::string NameOf(const IconFormat& format) {
     throw FileException(fmt::format("the icon has no format {}; it has {}", NameOf(format), present));
 }
 
+// The form of the output: told by its name, else that of the input. Throws where a format would be lost in it.
+const IconFileForm& TargetForm(const std::string& path, const IconFileForm& input, const CIconGroup& group) {
+    const auto* named = FindIconFileForm(GetFileKind(path));
+    const auto& form = named ? *named : input;
+    if (form.macintosh != input.macintosh)
+        throw FileException("convert brings icons from one system to the other; do that first");
+    for (const auto& format : FormatsOf(group)) {
+        if (form.allows != nullptr && !form.allows(format))
+            throw FileException(fmt::format("a Macintosh icon has no format {}", NameOf(format)));
+    }
+    return form;
+}
+
 // Reads the one icon of a file, lets `change` work on it, and writes it where it is wanted.
 void ChangeIcon(Run& run, const FormatOptions& options, const std::function<void(CIconGroup&)>& change) {
     run.Attempt(options.icon, [&] {
@@ -45,7 +58,7 @@ void ChangeIcon(Run& run, const FormatOptions& options, const std::function<void
         auto& group = groups.front();
         change(group);
         const auto path = OutputPath(run, options.icon, "", form->extension, false);
-        const auto bytes = form->write(group, path);
+        const auto bytes = TargetForm(path, *form, group).write(group, path);
         if (bytes.empty()) throw FileException("the icon cannot be kept in a file of this kind");
         WriteOutput(run, path, bytes);
         if (path != "-")

@@ -64,6 +64,17 @@ TEST_F(ConvertIcons, EveryFormIsReadBack) {
     EXPECT_THAT(Good({"convert", "a.png", "p.icns"}), HasSubstr("13 formats"));
 }
 
+TEST_F(ConvertIcons, SingleFormatsOfMacintoshIcons) {
+    Good({"convert", "a.ico", "b.icns", "-q"});
+    Good({"format", "add", "b.icns", "--formats", "16x12x4", "-o", "more.bin"});
+    EXPECT_THAT(Good({"list", "--json", "more.bin"}), HasSubstr("\"kind\": \"macbinary\""));
+    EXPECT_THAT(Good({"list", "more.bin"}), HasSubstr("icm4 icm#"));
+    const auto refused = Run({"format", "add", "b.icns", "--formats", "24x24x32", "-o", "x.icns"});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_THAT(refused.err, HasSubstr("a Macintosh icon has no format 24x24x32"));
+    EXPECT_FALSE(FileExists(m_folder.Path("x.icns")));
+}
+
 TEST_F(ConvertIcons, AFamilyAboveTheLimitIsRefusedAloud) {
     std::string family = "icns" + std::string("\x00\x20\x00\x00", 4);
     family.resize(0x200000);
