@@ -61,8 +61,8 @@ private:
 
     [[nodiscard]] ResourceUpdater& Updater() { return m_pUpdater ? *m_pUpdater : m_updater; }
     [[nodiscard]] bool AskBeforeSave(const std::string& source, bool overItself);
-    [[nodiscard]] bool SaveInPlace(const std::string& path);
-    [[nodiscard]] bool SaveByUpdate(const std::string& path);
+    [[nodiscard]] bool SaveInPlace(const std::string& file, const std::string& path);
+    [[nodiscard]] bool SaveByUpdate(const std::string& file, const std::string& path);
     [[nodiscard]] bool AppendExtraData(const std::string& path);
     [[nodiscard]] bool Fail(const std::string& path, const std::string& suffix);
     void RebuildIdTable();

@@ -146,28 +146,38 @@ bool CFileExeDoc::OnSaveDocument(const std::string& path) {
     m_strReason.clear();
     if (!overItself && !EnsureFolder(path)) return false;
     if (!AskBeforeSave(source.empty() ? path : source, overItself)) return false;
-    if (!overItself) {
+    // A copy that takes another file's place is changed beside it first: a save that fails leaves that file whole.
+    const bool replaces = !overItself && FileExists(path);
+    const auto copy = replaces ? path + ".pelorin-copy" : path;
+    const auto copyFile = [&](const std::string& from, const std::string& to) {
         try {
-            CopyFileSafely(source, path);
+            CopyFileSafely(from, to);
+            return true;
         } catch (const FileException& e) {
             m_strReason = e.what();
             return Fail(path, FormatText(str::kErrorCode, static_cast<int>(kErrorCopy)));
         }
-    }
+    };
+    if (!overItself && !copyFile(source, copy)) return false;
     const bool inPlace = m_nMode == ProgramMode::NeFile || m_nMode == ProgramMode::PeWithoutUpdate;
-    if (!(inPlace ? SaveInPlace(path) : SaveByUpdate(path))) return false;
+    bool saved = inPlace ? SaveInPlace(copy, path) : SaveByUpdate(copy, path);
+    if (replaces) {
+        saved = saved && copyFile(copy, path);
+        DeleteFile(copy);
+    }
+    if (!saved) return false;
     Saved(path);
     return true;
 }
 
-bool CFileExeDoc::SaveInPlace(const std::string& path) {
+bool CFileExeDoc::SaveInPlace(const std::string& file, const std::string& path) {
     if (!MergeEditors(path)) return false;
     std::vector<CIconGroup*> changed;
     for (const auto& icon : m_arrIcons) {
         if (icon->m_bChanged) changed.push_back(icon.get());
     }
     try {
-        WriteIconsInPlace(path, changed);
+        WriteIconsInPlace(file, changed);
     } catch (const FileException& e) {
         m_strReason = e.what();
         (void)GetServices().prompt->ShowText(str::kErrorSavingInPlace, FormatText(str::kErrorSavingInPlace, path),
@@ -177,13 +187,13 @@ bool CFileExeDoc::SaveInPlace(const std::string& path) {
     return true;
 }
 
-bool CFileExeDoc::SaveByUpdate(const std::string& path) {
+bool CFileExeDoc::SaveByUpdate(const std::string& file, const std::string& path) {
     const auto failWith = [&](int error) { return Fail(path, FormatText(str::kErrorCode, error)); };
     if (!m_bComplete) {
         m_strReason = "the file's icons ask for more memory than can be";
         return failWith(kErrorBegin);
     }
-    auto update = Updater().BeginUpdateResource(path, m_bDropSignature, &m_strReason);
+    auto update = Updater().BeginUpdateResource(file, m_bDropSignature, &m_strReason);
     if (!update) return failWith(kErrorBegin);
     if (!MergeEditors(path)) return false;
     if (m_arrIcons.empty()) return failWith(kErrorNoIcons);
@@ -206,7 +216,7 @@ bool CFileExeDoc::SaveByUpdate(const std::string& path) {
         if (error != kErrorGroup) Updater().EndUpdateResource(std::move(update), true);
         return failWith(error);
     }
-    if (!Updater().EndUpdateResource(std::move(update), false, &m_strReason) || !AppendExtraData(path)) {
+    if (!Updater().EndUpdateResource(std::move(update), false, &m_strReason) || !AppendExtraData(file)) {
         takeBack();
         return Fail(path, LoadText(str::kTrySaveAs));
     }

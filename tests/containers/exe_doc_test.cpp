@@ -266,6 +266,25 @@ TEST(ExeDoc, SaveAsLeavesTheOldFileAndWarnsOnlyOverItself) {
     EXPECT_EQ(LoadIcons(FindIcons(ReadBytes(other)), {})[0]->GetCount(), 1);
 }
 
+TEST(ExeDoc, AFailedSaveOverAnotherFileLeavesThatFileWhole) {
+    const auto file = SampleIcons().File();
+    for (const bool fails : {true, false}) {
+        Opened o(file);
+        FailingUpdater updater({.end = fails});
+        o.document.m_pUpdater = &updater;
+        const auto other = o.folder / "other.exe";
+        WriteFileSafely(other, AsBytes("precious"));
+        ASSERT_TRUE(o.document.ReplaceIcon(0, *MakeIcon("", {k16})));
+        EXPECT_EQ(o.document.OnSaveDocument(other), !fails);
+        EXPECT_EQ(ReadBytes(o.path), file);
+        EXPECT_EQ(AsText(ReadBytes(other)) == "precious", fails);
+        EXPECT_FALSE(FileExists(other + ".pelorin-copy"));
+        if (fails) continue;
+        EXPECT_EQ(LoadIcons(FindIcons(ReadBytes(other)), {})[0]->GetCount(), 1);
+        EXPECT_EQ(o.document.GetPathName(), other);
+    }
+}
+
 TEST(ExeDoc, ASignedFileIsAskedAboutFirst) {
     auto file = SampleIcons().File(SomeBytes(512, 4));
     const auto image = PeImage::Parse(file).value();
