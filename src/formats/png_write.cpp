@@ -1,8 +1,5 @@
-#include "base/parallel.h"
 #include "formats/png.h"
 #include "formats/png_library.h"
-
-#include <zlib.h>
 
 namespace pelorin {
 
@@ -80,20 +77,19 @@ bool IsPngDepth(int bits) {
     return bits == 1 || bits == 4 || bits == 8 || bits == 24 || bits == 32;
 }
 
-// How hard the compressor tries, and by which strategy.
-struct Effort {
-    int level, strategy;
-};
+constexpr int kBestLevel = 9;
 
-bool WriteWith(const Effort* effort, const DibView& view, Progress* shown, Bytes& out) {
+} // namespace
+
+int WritePng(const DibBlock& block, const PictureSaveOptions& options, Bytes& out) {
+    const DibView view(block);
     PngWriteSession session;
-    if (!session) return false;
-    ProgressScope progress(shown, "Writing PNG...", static_cast<std::uint64_t>(view.Height()));
+    if (!view || !IsPngDepth(view.BitCount()) || !session) return 1;
+    ProgressScope progress(options.progress, "Writing PNG...", static_cast<std::uint64_t>(view.Height()));
     auto* const png = session.Png();
     const bool good = PngGuarded(png, [&] {
-        if (effort != nullptr) {
-            png_set_compression_level(png, effort->level);
-            png_set_compression_strategy(png, effort->strategy);
+        if (options.pngSmallest) {
+            png_set_compression_level(png, kBestLevel);
             if (view.BitCount() > 8) png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_ALL_FILTERS);
         }
         WriteHeader(png, session.Info(), view);
@@ -103,27 +99,9 @@ bool WriteWith(const Effort* effort, const DibView& view, Progress* shown, Bytes
         }
         png_write_end(png, nullptr);
     });
-    if (good) out = session.Take();
-    return good;
-}
-
-// Which strategy is the better one shows only afterwards, so both run, side by side.
-bool WriteSmallest(const DibView& view, Bytes& out) {
-    constexpr std::array<Effort, 2> efforts = {{{9, Z_FILTERED}, {9, Z_DEFAULT_STRATEGY}}};
-    std::array<Bytes, 2> files;
-    ParallelFor(efforts.size(), 0, [&](std::size_t i) { (void)WriteWith(&efforts[i], view, nullptr, files[i]); });
-    if (files[0].empty() || files[1].empty()) return false;
-    out = std::move(files[files[1].size() < files[0].size() ? 1 : 0]);
-    return true;
-}
-
-} // namespace
-
-int WritePng(const DibBlock& block, const PictureSaveOptions& options, Bytes& out) {
-    const DibView view(block);
-    if (!view || !IsPngDepth(view.BitCount())) return 1;
-    const bool good = options.pngSmallest ? WriteSmallest(view, out) : WriteWith(nullptr, view, options.progress, out);
-    return good ? 0 : 1;
+    if (!good) return 1;
+    out = session.Take();
+    return 0;
 }
 
 } // namespace pelorin
