@@ -104,7 +104,7 @@ DibBlock ReadSource(const std::string& path, const CreateOptions& options) {
     auto picture = ReadPicture(file.Data(), GetFileKind(path), {}, facts);
     if (!picture) throw FileException("this is not a picture that can be read, or it is damaged");
     if (options.background) picture = ComposeTo24(picture, ColorRefFromRgb(options.background->Rgb()));
-    picture = PrepareIconSource(picture, options.key ? ColorRefFromRgb(options.key->Rgb()) : kNoColor);
+    picture = PrepareIconSource(std::move(picture), options.key ? ColorRefFromRgb(options.key->Rgb()) : kNoColor);
     if (!picture) throw FileException("the picture is too large to be made square");
     return picture;
 }

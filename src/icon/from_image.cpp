@@ -17,11 +17,10 @@ std::vector<IconFormat> DefaultFormats(bool macintosh) {
     return formats;
 }
 
-DibBlock PrepareIconSource(const DibBlock& picture, ColorRef key) {
-    const bool applyKey = key != kNoColor && DIBBitCount(picture) != 32;
-    auto block = ConvertTo32(picture, applyKey, key);
-    if (DIBWidth(block) == DIBHeight(block)) return block;
-    return CenterOnSquare(block);
+DibBlock PrepareIconSource(DibBlock picture, ColorRef key) {
+    if (DIBBitCount(picture) != 32) picture = ConvertTo32(picture, key != kNoColor, key);
+    if (DIBWidth(picture) == DIBHeight(picture)) return picture;
+    return CenterOnSquare(picture);
 }
 
 IconObjects CreateFormats(const DibBlock& source, const FromImageOptions& options, Progress* progress) {
@@ -32,7 +31,7 @@ IconObjects CreateFormats(const DibBlock& source, const FromImageOptions& option
 
     std::vector<Size> sizes;
     for (const auto& format : options.formats) sizes.push_back({format.width, format.height});
-    picture.Prepare(sizes, options.jobs);
+    picture.Prepare(sizes);
 
     SetImageOptions set;
     set.dither = options.dither;
@@ -46,6 +45,11 @@ IconObjects CreateFormats(const DibBlock& source, const FromImageOptions& option
         if (!object->SetFormat(f.bits, f.width, f.height, f.bits == 32, options.macintosh)) return;
         if (!object->SetImage(picture, set)) return;
         object->m_Stored.m_bCompressed = options.compress && !options.macintosh && MayBeCompressed(f.width, f.height);
+        // Compressing is the longest step of a large format; here the others go on beside it.
+        if (object->m_Stored.m_bCompressed) {
+            object->UpdateStored();
+            object->m_Stored.m_pPngData = object->m_Stored.WriteCompressed();
+        }
         made[i] = std::move(object);
     });
     std::erase(made, nullptr);
@@ -94,6 +98,7 @@ CIconGroup GroupOf(IconObjects& formats, bool explorerOrder) {
         format->UpdateStored();
         CVnIcon copy;
         copy.Copy(format->m_Stored);
+        copy.m_pPngData = format->m_Stored.m_pPngData;
         group.Append(std::move(copy));
     }
     group.Sort(explorerOrder);

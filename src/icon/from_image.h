@@ -29,7 +29,7 @@ struct FromImageOptions {
 
 /// A picture made ready for an icon: 32 bpp, the key colour of a picture without alpha taken out, and square, centred
 /// on transparent ground. Empty when the picture cannot be read.
-[[nodiscard]] DibBlock PrepareIconSource(const DibBlock& picture, ColorRef key);
+[[nodiscard]] DibBlock PrepareIconSource(DibBlock picture, ColorRef key);
 
 /// Distinct art for the formats of one size.
 struct SizeArt {

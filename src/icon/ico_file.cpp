@@ -118,7 +118,7 @@ Bytes BuildIcoFile(std::span<CVnIcon* const> icons) {
         const auto offset = file.Size();
         auto& icon = *icons[i];
         if (icon.m_bCompressed) {
-            file.Raw(icon.WriteCompressed());
+            file.Raw(icon.m_pPngData.empty() ? icon.WriteCompressed() : icon.m_pPngData);
         } else {
             file.Raw(icon.m_hImage);
         }

@@ -114,10 +114,14 @@ void CIconObject::TakeStored() {
 }
 
 void CIconObject::UpdateStored() {
+    // A PNG file that was made of the block stays while the block stays the same.
+    const auto before = m_Stored.m_hImage;
+    auto png = m_Stored.m_pPngData;
     if (!m_Stored.Create(m_nWidth, m_nHeight, m_nColors, m_bAlpha)) return;
     m_Stored.m_nHotSpotX = m_nHotSpotX;
     m_Stored.m_nHotSpotY = m_nHotSpotY;
     (void)FromBitmaps(m_Stored, m_bmpImage, m_bmpMask, m_Palette);
+    if (!png.empty() && m_Stored.m_hImage == before) m_Stored.m_pPngData = std::move(png);
 }
 
 bool CIconObject::ReadFromMemory(ByteSpan data, std::uint32_t bytes, int bits) {

@@ -69,7 +69,7 @@ CIconDoc* NewIconCommands::OnNewFromPicture(const DibBlock& picture) {
     if (m_choice != nullptr && g_bShowNewFromImageInfo && !m_choice->Choose(choice)) return nullptr;
     auto content = std::make_unique<NewIconContent>();
     content->macintosh = choice.macintosh;
-    content->picture = PrepareIconSource(picture, choice.options.key);
+    content->picture = PrepareIconSource(CopyHandle(picture), choice.options.key);
     content->fromImage = std::move(choice.options);
     auto& receiver = choice.macintosh ? m_macintosh : m_windows;
     return dynamic_cast<CIconDoc*>(receiver.OpenDocumentFile({}, std::move(content)));

@@ -1,6 +1,5 @@
 #include "icon/source_picture.h"
 
-#include "base/parallel.h"
 #include "pixel/crop.h"
 #include "pixel/resample.h"
 
@@ -33,8 +32,11 @@ DibBlock SourcePicture::Make(Size size, bool resample) const {
 const DibBlock& SourcePicture::Fitted(Size size, bool resample) {
     auto& made = resample ? m_scaled : m_cut;
     const auto key = std::make_pair(size.width, size.height);
-    const auto found = made.find(key);
-    return found != made.end() ? found->second : made.emplace(key, Make(size, resample)).first->second;
+    auto found = made.find(key);
+    if (found == made.end()) found = made.try_emplace(key).first;
+    auto& slot = found->second;
+    std::call_once(slot.once, [&] { slot.block = Make(size, resample); });
+    return slot.block;
 }
 
 // The step that costs most is the same for every size that is smaller than the picture.
@@ -44,15 +46,9 @@ void SourcePicture::BleedFor(std::span<const Size> sizes) {
     if (m_bits == 32 && m_working && !m_bled && shrinking > 1) m_bled = BleedColors(*m_working);
 }
 
-void SourcePicture::Prepare(std::span<const Size> sizes, unsigned jobs) {
+void SourcePicture::Prepare(std::span<const Size> sizes) {
     BleedFor(sizes);
-    // The map's nodes stay where they are, so each thread fills its own.
-    std::vector<std::pair<Size, DibBlock*>> missing;
-    for (const auto& size : sizes) {
-        const auto [node, added] = m_scaled.try_emplace(std::make_pair(size.width, size.height));
-        if (added) missing.emplace_back(size, &node->second);
-    }
-    ParallelFor(missing.size(), jobs, [&](std::size_t i) { *missing[i].second = Make(missing[i].first, true); });
+    for (const auto& size : sizes) m_scaled.try_emplace(std::make_pair(size.width, size.height));
 }
 
 } // namespace pelorin

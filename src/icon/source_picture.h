@@ -5,6 +5,7 @@
 #include "pixel/dib.h"
 
 #include <map>
+#include <mutex>
 
 namespace pelorin {
 
@@ -23,8 +24,8 @@ public:
     /// The picture at 24 or 32 bpp, scaled to `size`; or, without `resample`, its top left part of at most that size.
     /// Empty when that cannot be made. The reference holds until the object goes.
     const DibBlock& Fitted(Size size, bool resample = true);
-    /// Scales to all these sizes ahead of time, on `jobs` threads (0: one a core).
-    void Prepare(std::span<const Size> sizes, unsigned jobs);
+    /// Makes ready for these sizes: from here on `Fitted` may be asked for them by several threads.
+    void Prepare(std::span<const Size> sizes);
 
 private:
     [[nodiscard]] DibBlock Make(Size size, bool resample) const;
@@ -36,7 +37,12 @@ private:
     int m_bits = 0;
     Size m_size;
     CPalette m_palette;
-    std::map<std::pair<int, int>, DibBlock> m_scaled, m_cut;
+    // A size is scaled by the first who asks for it.
+    struct Slot {
+        std::once_flag once;
+        DibBlock block;
+    };
+    std::map<std::pair<int, int>, Slot> m_scaled, m_cut;
 };
 
 } // namespace pelorin
