@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace pelorin {
 
@@ -179,15 +180,16 @@ std::string_view ClipUtf8(std::string_view text, std::size_t maxBytes) {
 }
 
 std::size_t EditDistance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
+    std::vector<std::size_t> before, above, row(b.size() + 1);
     for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
+    const auto same = [&](std::size_t i, std::size_t j) { return AsciiLower(a[i - 1]) == AsciiLower(b[j - 1]); };
     for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0];
+        before = std::exchange(above, row);
         row[0] = i;
         for (std::size_t j = 1; j <= b.size(); ++j) {
-            const std::size_t changed = diagonal + (AsciiLower(a[i - 1]) != AsciiLower(b[j - 1]) ? 1 : 0);
-            diagonal = row[j];
-            row[j] = std::min({row[j] + 1, row[j - 1] + 1, changed});
+            row[j] = std::min({above[j] + 1, row[j - 1] + 1, above[j - 1] + (same(i, j) ? 0 : 1)});
+            const bool swapped = i > 1 && j > 1 && same(i, j - 1) && same(i - 1, j);
+            if (swapped) row[j] = std::min(row[j], before[j - 2] + 1);
         }
     }
     return row[b.size()];

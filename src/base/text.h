@@ -36,7 +36,8 @@ void AppendUtf8(std::string& out, char32_t codePoint);
 /// The whole characters of `text` that fit into `maxBytes`.
 [[nodiscard]] std::string_view ClipUtf8(std::string_view text, std::size_t maxBytes);
 
-/// Edits that turn `a` into `b` (one character added, taken away or changed), letters compared without case.
+/// Edits that turn `a` into `b` (one character added, taken away or changed, or two neighbours swapped), letters
+/// compared without case.
 [[nodiscard]] std::size_t EditDistance(std::string_view a, std::string_view b);
 
 } // namespace pelorin

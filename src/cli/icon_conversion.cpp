@@ -58,6 +58,28 @@ void TellLost(Run& run, const std::string& file, const std::vector<IconFormat>& 
     run.Warn(file, fmt::format("these formats are lost: {}", names));
 }
 
+} // namespace
+
+CIconGroup ConvertToForm(Run& run, const std::string& file, const CIconGroup& source, const IconFileForm& form,
+                         const std::vector<IconFormat>& formats) {
+    std::vector<IconFormat> lost;
+    auto icon = ConvertIcon(source, ConversionFor(&form, formats, form.macintosh), lost);
+    TellLost(run, file, lost, source.m_nInfo != 0);
+    if (icon.GetCount() == 0) {
+        throw FileException(
+            "none of its formats fits; `convert` with --formats makes others, as in --formats 32x32x32");
+    }
+    return icon;
+}
+
+Bytes BuildIconFile(const CIconGroup& icon, const IconFileForm& form, std::string_view path) {
+    auto bytes = form.write(icon, path);
+    if (bytes.empty()) throw FileException("the icon cannot be kept in a file of this kind");
+    return bytes;
+}
+
+namespace {
+
 class ToForm {
 public:
     ToForm(Run& run, const std::vector<std::string>& files, const IconFileForm& form,
@@ -78,16 +100,10 @@ public:
 
 private:
     void Write(const std::string& file, const CIconGroup& source, const std::string& suffix, bool several) {
-        std::vector<IconFormat> lost;
-        const auto icon = ConvertIcon(source, ConversionFor(&m_form, m_formats, m_form.macintosh), lost);
-        TellLost(m_run, file, lost, source.m_nInfo != 0);
-        if (icon.GetCount() == 0) {
-            throw FileException("none of its formats fits; --formats makes others of it, as in --formats 32x32x32");
-        }
+        const auto icon = ConvertToForm(m_run, file, source, m_form, m_formats);
         // Several icons go into a folder.
         const auto path = OutputPath(m_run, file, suffix, m_form.extension, several);
-        const auto bytes = m_form.write(icon, path);
-        if (bytes.empty()) throw FileException("the icon cannot be kept in a file of this kind");
+        const auto bytes = BuildIconFile(icon, m_form, path);
         WriteOutput(m_run, path, bytes);
         if (m_run.Options().dryRun || path == "-") return;
         m_run.Note(fmt::format("{}  {}, {}", Printable(path), icon.GetSizeText(), BytesText(bytes.size())));

@@ -6,7 +6,6 @@
 #include "core/file_kinds.h"
 #include "formats/jpeg2000.h"
 #include "formats/load_image.h"
-#include "formats/save_image.h"
 #include "pixel/depth.h"
 
 #include <fmt/format.h>
@@ -64,7 +63,8 @@ PictureSaveOptions SaveOptions(Run& run, const PictureOutput& output, const DibB
     return options;
 }
 
-// The picture at a depth that the format takes; empty when it is at one already.
+} // namespace
+
 DibBlock AtDepthFor(const PictureSaver& saver, const DibBlock& picture, ColorRef background) {
     const auto takes = [&](int bits) { return (saver.depths >> bits & 1) != 0; };
     const int bits = DIBBitCount(picture);
@@ -73,13 +73,11 @@ DibBlock AtDepthFor(const PictureSaver& saver, const DibBlock& picture, ColorRef
     return bits == 32 ? ComposeTo24(picture, background) : ConvertDIBTo24(picture);
 }
 
-std::vector<ChoiceRow<std::optional<int>>> FormatChoices() {
+std::vector<ChoiceRow<std::optional<int>>> PictureFormatChoices() {
     std::vector<ChoiceRow<std::optional<int>>> rows;
     for (const auto& saver : PictureSavers()) rows.push_back({saver.extension, saver.kind});
     return rows;
 }
-
-} // namespace
 
 void PictureInput::Declare(VerbSetup& setup) {
     setup.Number("--frame", frame, 1, 1 << 30, "frame or page of the file (default: 1)");
@@ -116,7 +114,7 @@ PictureFacts ReadPictureFacts(const std::string& file) {
 }
 
 void PictureOutput::Declare(VerbSetup& setup) {
-    setup.Choice("--as", as, FormatChoices(), "what to write (default: by the name of the output)");
+    setup.Choice("--as", as, PictureFormatChoices(), "what to write (default: by the name of the output)");
     setup.Number("--quality", quality, 1, 100, "of a JPEG");
     setup.Number("--lossy", lossy, 0, 100, "compress a JPEG 2000 with loss; the higher, the larger the file");
     setup.Number("--gif-colors", gifColors, 2, 256, "size of a GIF's palette");

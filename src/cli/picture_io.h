@@ -4,7 +4,8 @@
 #include "cli/run.h"
 #include "cli/syntax.h"
 #include "formats/picture_reader.h"
-#include "formats/picture_writer.h"
+#include "formats/save_image.h"
+#include "pixel/color.h"
 
 namespace pelorin::cli {
 
@@ -23,6 +24,12 @@ struct PictureInput {
                                         PictureFacts& facts);
 /// Only what the reader tells; a small picture is decoded where that is quicker.
 [[nodiscard]] PictureFacts ReadPictureFacts(const std::string& file);
+
+/// The formats that pictures are written in, as values of an option.
+[[nodiscard]] std::vector<ChoiceRow<std::optional<int>>> PictureFormatChoices();
+/// The picture at a depth that the format takes, transparency composed on `background` where it has none; empty when
+/// the picture is at such a depth already.
+[[nodiscard]] DibBlock AtDepthFor(const PictureSaver& saver, const DibBlock& picture, ColorRef background);
 
 /// How a picture is written; what is not given comes from the settings.
 struct PictureOutput {

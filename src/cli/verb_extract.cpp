@@ -1,9 +1,10 @@
+#include "app/picture_settings.h"
 #include "base/parallel.h"
+#include "cli/icon_conversion.h"
 #include "cli/icon_input.h"
 #include "cli/output.h"
+#include "cli/picture_io.h"
 #include "cli/verb.h"
-#include "formats/save_image.h"
-#include "icon/ico_file.h"
 
 #include <fmt/format.h>
 
@@ -13,7 +14,6 @@ namespace pelorin::cli {
 
 namespace {
 
-constexpr int kAsIcon = kKindIco;
 constexpr const char* kNothing = "nothing in it is what was asked for";
 
 struct ExtractOptions {
@@ -24,16 +24,37 @@ struct ExtractOptions {
     std::optional<int> as; ///< a file kind
 };
 
-// One file to write: whole icons hold several images.
-struct Product {
-    std::string suffix;
-    std::vector<CVnIcon*> icons;
+// What the files are written as: whole icons, or single images.
+struct ExtractTarget {
+    const IconFileForm* form = nullptr;
+    const PictureSaver* saver = nullptr;
+
+    explicit ExtractTarget(int kind) : form(FindIconFileForm(kind)), saver(form ? nullptr : PictureSaverOfKind(kind)) {}
+    [[nodiscard]] bool IsIco() const { return form && form->kind == kKindIco; }
 };
+
+// By --as, else by the name of the output; 0 when neither tells.
+int TargetKind(const Run& run, const ExtractOptions& options) {
+    if (options.as) return *options.as;
+    const auto& name = run.Options().output;
+    if (name.empty() || name == "-" || name.ends_with('/') || FolderExists(name)) return kKindNone;
+    const int kind = GetFileKind(name);
+    return FindIconFileForm(kind) || PictureSaverOfKind(kind) ? kind : int{kKindNone};
+}
+
+bool EncodeImage(const CVnIcon& icon, const PictureSaver& saver, Bytes& file) {
+    const auto settings = PictureSettings();
+    const auto picture = IconBlockPicture(icon.m_hImage);
+    if (!picture) return false;
+    const auto converted = AtDepthFor(saver, picture, settings.background);
+    return EncodePicture(converted ? converted : picture, saver.kind, SaveOptionsOf(settings), file) == 0 &&
+           !file.empty();
+}
 
 class Extraction {
 public:
     Extraction(Run& run, const ExtractOptions& options, const std::string& input)
-        : m_run(run), m_options(options), m_input(input) {}
+        : m_run(run), m_options(options), m_input(input), m_kind(TargetKind(run, options)) {}
 
     void Go() {
         const auto input = OpenIconInput(m_input);
@@ -77,10 +98,10 @@ private:
     }
 
     void TakeOneLazily(const LazyIcon& icon, int number) {
-        const int as = m_options.as.value_or(kAsIcon);
-        if (as != kAsIcon) {
-            TakeImages(icon, as, number);
-        } else if (m_options.formats.empty()) {
+        const ExtractTarget target(m_kind != kKindNone ? m_kind : int{kKindIco});
+        if (target.saver) {
+            TakeImages(icon, *target.saver, number);
+        } else if (target.IsIco() && m_options.formats.empty()) {
             WriteFile(fmt::format("_{}", number), "ico", icon.IcoFile(),
                       m_options.files.size() > 1 || !m_options.index);
         } else if (const auto group = icon.Load()) {
@@ -89,7 +110,7 @@ private:
     }
 
     // The images of one icon, each in its own file, on all cores.
-    void TakeImages(const LazyIcon& icon, int as, int number) {
+    void TakeImages(const LazyIcon& icon, const PictureSaver& saver, int number) {
         struct Image {
             std::size_t index;
             IconFormat format;
@@ -102,18 +123,18 @@ private:
         }
         ParallelFor(images.size(), m_run.Options().jobs, [&](std::size_t i) {
             auto& image = images[i];
-            const auto png = as == kKindPng ? icon.PngFile(image.index) : ByteSpan{};
+            const auto png = saver.kind == kKindPng ? icon.PngFile(image.index) : ByteSpan{};
             image.file.assign(png.begin(), png.end());
             CVnIcon loaded;
             if (!image.file.empty() || !icon.LoadFormat(image.index, loaded)) return;
-            if (EncodePicture(IconBlockPicture(loaded.m_hImage), as, {}, image.file) != 0) image.file.clear();
+            if (!EncodeImage(loaded, saver, image.file)) image.file.clear();
         });
         const bool several = m_options.files.size() > 1 || images.size() > 1 || !m_options.index;
         for (const auto& image : images) {
             const auto suffix =
                 fmt::format("_{}_{}x{}x{}", number, image.format.width, image.format.height, image.format.bits);
             if (image.file.empty()) throw FileException("the image " + suffix.substr(1) + " cannot be made");
-            WriteFile(suffix, PictureSaverOfKind(as)->extension, image.file, several);
+            WriteFile(suffix, saver.extension, image.file, several);
         }
     }
 
@@ -139,44 +160,42 @@ private:
     }
 
     void Take(CIconGroup& group, int number, bool only) {
-        const int as = m_options.as.value_or(only ? int{kKindPng} : kAsIcon);
+        const ExtractTarget target(m_kind != kKindNone ? m_kind : only ? int{kKindPng} : int{kKindIco});
         const auto prefix = only ? std::string() : fmt::format("_{}", number);
         const auto chosen = Chosen(group, only);
-        std::vector<Product> products;
-        if (as == kAsIcon && !chosen.empty()) {
-            products.push_back({prefix, InSavingOrder(group, chosen)});
-        } else {
-            for (auto* icon : chosen) {
-                products.push_back(
-                    {fmt::format("{}_{}x{}x{}", prefix, icon->m_nWidth, icon->m_nHeight, icon->ShownBitCount()),
-                     {icon}});
-            }
+        if (chosen.empty()) return;
+        const bool severalIcons = m_options.files.size() > 1 || (!only && !m_options.index);
+        if (target.form) {
+            WriteIcon(Part(group, chosen), *target.form, prefix, severalIcons);
+            return;
         }
-        const bool several = m_options.files.size() > 1 || products.size() > 1 || (!only && !m_options.index);
-        for (const auto& product : products) Write(product, as, several);
+        for (const auto* icon : chosen) {
+            const auto suffix =
+                fmt::format("{}_{}x{}x{}", prefix, icon->m_nWidth, icon->m_nHeight, icon->ShownBitCount());
+            Bytes file;
+            if (!EncodeImage(*icon, *target.saver, file))
+                throw FileException("the image " + suffix.substr(1) + " cannot be made");
+            WriteFile(suffix, target.saver->extension, file, severalIcons || chosen.size() > 1);
+        }
     }
 
-    static std::vector<CVnIcon*> InSavingOrder(const CIconGroup& group, const std::vector<CVnIcon*>& chosen) {
-        std::vector<CVnIcon*> ordered;
-        for (const auto& icon : group.m_arrIcons) {
-            if (std::ranges::count(chosen, icon.get()) != 0) ordered.push_back(icon.get());
-        }
-        return ordered;
+    // The icon with the chosen formats alone, in saving order.
+    static CIconGroup Part(CIconGroup& group, const std::vector<CVnIcon*>& chosen) {
+        std::erase_if(group.m_arrIcons, [&](const auto& icon) { return std::ranges::count(chosen, icon.get()) == 0; });
+        return std::move(group);
     }
 
-    void Write(const Product& product, int as, bool several) {
-        Bytes file;
-        if (as == kAsIcon) {
-            file = BuildIcoFile(product.icons);
-        } else if (EncodePicture(IconBlockPicture(product.icons.front()->m_hImage), as, {}, file) != 0) {
-            file.clear();
-        }
-        if (file.empty()) throw FileException("the image " + product.suffix.substr(1) + " cannot be made");
-        WriteFile(product.suffix, as == kAsIcon ? "ico" : PictureSaverOfKind(as)->extension, file, several);
+    void WriteIcon(const CIconGroup& icon, const IconFileForm& form, const std::string& suffix, bool several) {
+        const auto converted = ConvertToForm(m_run, m_input, icon, form, {});
+        const auto path = OutputPath(m_run, m_input, suffix, form.extension, several);
+        WriteTo(path, BuildIconFile(converted, form, path));
     }
 
     void WriteFile(const std::string& suffix, std::string_view extension, ByteSpan file, bool several) {
-        const auto path = OutputPath(m_run, m_input, suffix, extension, several);
+        WriteTo(OutputPath(m_run, m_input, suffix, extension, several), file);
+    }
+
+    void WriteTo(const std::string& path, ByteSpan file) {
         WriteOutput(m_run, path, file);
         ++m_written;
         if (!m_run.Options().dryRun && path != "-") m_run.Note(Printable(path));
@@ -185,6 +204,7 @@ private:
     Run& m_run;
     const ExtractOptions& m_options;
     const std::string& m_input;
+    const int m_kind; ///< what to write; `kKindNone`: whole icons of files with several, else PNG
     int m_written = 0;
 };
 
@@ -198,9 +218,11 @@ VerbAction SetUpExtract(VerbSetup& setup) {
                  "only this icon, or, of a file with one icon, this image; numbers as list shows them");
     setup.Flag("--all", options->all, "everything (the default)");
     setup.Option("--format", options->formats, "WxHxBITS,...", "only images of these formats");
-    setup.Choice<std::optional<int>>(
-        "--as", options->as, {{"png", kKindPng}, {"bmp", kKindBmp}, {"ico", kAsIcon}},
-        "what to write: images, or whole icons (default: ico from files with several icons, else png)");
+    auto kinds = PictureFormatChoices();
+    kinds.insert(kinds.end(), {{"ico", kKindIco}, {"icns", kKindIcns}, {"rsrc", kKindRsrc}, {"bin", kKindMacBinary}});
+    setup.Choice("--as", options->as, std::move(kinds),
+                 "what to write: images, or whole icons (default: by the name of the output; else ico from files with "
+                 "several icons, png from others)");
     return [options](Run& run) {
         if (options->all && options->index) throw UsageError("--index and --all exclude each other");
         run.ForEach(options->files, [&](const std::string& file) { Extraction(run, *options, file).Go(); });

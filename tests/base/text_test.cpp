@@ -59,7 +59,8 @@ TEST(Text, PiecesOfText) {
     const std::string euro = "a\xE2\x82\xAC";
     const std::size_t fits[] = {0, 1, 1, 1, 4, 4};
     for (std::size_t limit = 0; limit < 6; ++limit) EXPECT_EQ(ClipUtf8(euro, limit).size(), fits[limit]);
-    EXPECT_EQ(EditDistance("extract", "Extarct"), 2u);
+    EXPECT_EQ(EditDistance("extract", "Extarct"), 1u);
+    EXPECT_EQ(EditDistance("ca", "abc"), 3u);
     EXPECT_EQ(EditDistance("", "abc"), 3u);
 }
 

@@ -84,7 +84,7 @@ TEST_F(IconVerbs, WrongUsage) {
         {{"lst"}, "pelorin-cli: there is no verb \"lst\"; did you mean list?\n"},
         {{"list"}, "pelorin-cli: FILE is required"},
         {{"list", "--jsno", "x"}, "pelorin-cli: there is no option --jsno; did you mean --json?\n"},
-        {{"extract", "x", "--as", "pgn"}, "pelorin-cli: --as: \"pgn\" is none of png, bmp, ico; did you mean png?\n"},
+        {{"extract", "x", "--as", "pgn"}, "pelorin-cli: --as: \"pgn\" is none of bmp, gif, jpg, jp2, png, psd, ico, icns, rsrc, bin; did you mean png?\n"},
         {{"extract", "x", "--index", "0"}, "pelorin-cli: --index: 0 is not between 1 and "},
         {{"extract", "x", "--index", "1x"}, "pelorin-cli: --index: \"1x\" is not a whole number\n"},
         {{"extract", "x", "--format", "16x16"}, "pelorin-cli: --format: \"16x16\" is not a format; write"},
@@ -156,6 +156,15 @@ TEST_F(IconVerbs, Extract) {
     CIconGroup group;
     ASSERT_TRUE(ReadIcoGroup(Get("part.ico"), group));
     EXPECT_EQ(group.GetCount(), 1);
+    // The name of the output tells what is written; what it cannot hold is composed, or lost with a warning.
+    EXPECT_EQ(Run({"extract", "in.ico", "--index", "2", "-o", "three.jpg"}).exitCode, 0);
+    EXPECT_THAT(std::string(AsText(Get("three.jpg"))), StartsWith("\xFF\xD8"));
+    EXPECT_EQ(Run({"extract", "in.ico", "-o", "whole.ico"}).out, "whole.ico\n");
+    const auto mac = Run({"extract", "in.ico", "-o", "mac.icns"});
+    EXPECT_EQ(mac.exitCode, 0);
+    EXPECT_THAT(mac.err, HasSubstr("these formats are lost: "));
+    EXPECT_THAT(std::string(AsText(Get("mac.icns"))), StartsWith("icns"));
+    EXPECT_EQ(Run({"extract", "in.ico", "--as", "icns", "--no"}).exitCode, 1);
     for (const char* wrong : {"--index=4", "--format=64x64x32"}) {
         const auto result = Run({"extract", "in.ico", wrong});
         EXPECT_EQ(result.exitCode, 1);
