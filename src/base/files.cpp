@@ -325,6 +325,11 @@ void SafeFile::Seek(std::uint64_t pos) {
     m_pos = pos;
 }
 
+void SafeFile::TakeModeOf(std::string_view path) {
+    struct stat info;
+    if (Stat(path, info)) (void)fchmod(m_descriptor, info.st_mode & 07777);
+}
+
 void SafeFile::Flush() {
     WriteAll(m_descriptor, m_buffer);
     m_buffer.clear();
@@ -356,10 +361,9 @@ void WriteFileSafely(std::string_view path, ByteSpan bytes, Existing existing) {
 void CopyFileSafely(std::string_view from, std::string_view to, Existing existing) {
     const auto source = FileView::Open(from, UINT64_MAX);
     SafeFile file(to, existing);
+    file.TakeModeOf(from);
     file.Write(source.Data());
     file.Commit();
-    struct stat info;
-    if (Stat(from, info)) (void)chmod(SystemPath(to).c_str(), info.st_mode & 07777);
 }
 
 void WriteStandardOutput(ByteSpan bytes) {

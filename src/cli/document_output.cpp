@@ -18,7 +18,10 @@ bool SaveDocument(Run& run, CDocument& document, const RunPrompt& prompt, const 
         throw FileException(fmt::format("\"{}\" exists already (--force replaces it)", path));
     }
     if (options.inPlace && !options.backup.empty()) CopyFileSafely(path, path + options.backup);
+    const bool isNew = !FileExists(path);
     if (document.OnSaveDocument(path)) return true;
+    // A command that fails leaves nothing behind that could be taken for its result.
+    if (isNew) DeleteFile(path);
     const auto reason = prompt.Reason("the file cannot be saved");
     throw FileException(detail && !detail->empty() ? reason + ": " + *detail : reason);
 }

@@ -61,9 +61,13 @@ private:
 
     [[nodiscard]] ResourceUpdater& Updater() { return m_pUpdater ? *m_pUpdater : m_updater; }
     [[nodiscard]] bool AskBeforeSave(const std::string& source, bool overItself);
-    [[nodiscard]] bool SaveInPlace(const std::string& file, const std::string& path);
-    [[nodiscard]] bool SaveByUpdate(const std::string& file, const std::string& path);
+    [[nodiscard]] std::vector<CIconGroup*> ChangedIcons() const;
+    [[nodiscard]] bool SaveInPlace(const std::string& source, const std::string& path);
+    [[nodiscard]] bool SaveByUpdate(const std::string& source, const std::string& path);
+    [[nodiscard]] bool EndUpdate(std::unique_ptr<ResourceUpdate> update, bool isCopy, const std::string& path);
     [[nodiscard]] bool AppendExtraData(const std::string& path);
+    [[nodiscard]] bool MayCopy(const std::string& source, const std::string& path);
+    [[nodiscard]] bool FailToCopy(const std::string& path, const FileException& failure);
     [[nodiscard]] bool Fail(const std::string& path, const std::string& suffix);
     void RebuildIdTable();
     void Saved(const std::string& path);

@@ -23,6 +23,15 @@ enum SaveError {
     kErrorCopy = 113,
 };
 
+/// A save under a new name begins as a copy, and this copy stays whatever becomes of the changes.
+void LeaveCopy(const std::string& source, const std::string& path) {
+    try {
+        CopyFileSafely(source, path, Existing::Keep);
+    } catch (const FileException&) {
+        return; // the save has told its own failure
+    }
+}
+
 } // namespace
 
 /// The steps between begin and end of an update. Each gives 0 or the number of its error.
@@ -146,38 +155,46 @@ bool CFileExeDoc::OnSaveDocument(const std::string& path) {
     m_strReason.clear();
     if (!overItself && !EnsureFolder(path)) return false;
     if (!AskBeforeSave(source.empty() ? path : source, overItself)) return false;
-    // A copy that takes another file's place is changed beside it first: a save that fails leaves that file whole.
-    const bool replaces = !overItself && FileExists(path);
-    const auto copy = replaces ? path + ".pelorin-copy" : path;
-    const auto copyFile = [&](const std::string& from, const std::string& to) {
-        try {
-            CopyFileSafely(from, to);
-            return true;
-        } catch (const FileException& e) {
-            m_strReason = e.what();
-            return Fail(path, FormatText(str::kErrorCode, static_cast<int>(kErrorCopy)));
-        }
-    };
-    if (!overItself && !copyFile(source, copy)) return false;
+    const bool isNew = !overItself && !FileExists(path);
+    if (!overItself && !MayCopy(source, path)) return false;
+    const auto& from = overItself ? path : source;
     const bool inPlace = m_nMode == ProgramMode::NeFile || m_nMode == ProgramMode::PeWithoutUpdate;
-    bool saved = inPlace ? SaveInPlace(copy, path) : SaveByUpdate(copy, path);
-    if (replaces) {
-        saved = saved && copyFile(copy, path);
-        DeleteFile(copy);
+    if (inPlace ? SaveInPlace(from, path) : SaveByUpdate(from, path)) {
+        Saved(path);
+        return true;
     }
-    if (!saved) return false;
-    Saved(path);
-    return true;
+    if (isNew) LeaveCopy(source, path);
+    return false;
 }
 
-bool CFileExeDoc::SaveInPlace(const std::string& file, const std::string& path) {
-    if (!MergeEditors(path)) return false;
+bool CFileExeDoc::MayCopy(const std::string& source, const std::string& path) {
+    // The changes are made on the way from the one file to the other; here it only shows whether there is a way.
+    try {
+        (void)FileView::Open(source, UINT64_MAX);
+        const SafeFile target(path);
+        return true;
+    } catch (const FileException& e) {
+        return FailToCopy(path, e);
+    }
+}
+
+bool CFileExeDoc::FailToCopy(const std::string& path, const FileException& failure) {
+    m_strReason = failure.what();
+    return Fail(path, FormatText(str::kErrorCode, static_cast<int>(kErrorCopy)));
+}
+
+std::vector<CIconGroup*> CFileExeDoc::ChangedIcons() const {
     std::vector<CIconGroup*> changed;
     for (const auto& icon : m_arrIcons) {
         if (icon->m_bChanged) changed.push_back(icon.get());
     }
+    return changed;
+}
+
+bool CFileExeDoc::SaveInPlace(const std::string& source, const std::string& path) {
+    if (!MergeEditors(path)) return false;
     try {
-        WriteIconsInPlace(file, changed);
+        WriteIconsInPlace(source, path, ChangedIcons());
     } catch (const FileException& e) {
         m_strReason = e.what();
         (void)GetServices().prompt->ShowText(str::kErrorSavingInPlace, FormatText(str::kErrorSavingInPlace, path),
@@ -187,14 +204,15 @@ bool CFileExeDoc::SaveInPlace(const std::string& file, const std::string& path) 
     return true;
 }
 
-bool CFileExeDoc::SaveByUpdate(const std::string& file, const std::string& path) {
+bool CFileExeDoc::SaveByUpdate(const std::string& source, const std::string& path) {
     const auto failWith = [&](int error) { return Fail(path, FormatText(str::kErrorCode, error)); };
     if (!m_bComplete) {
         m_strReason = "the file's icons ask for more memory than can be";
         return failWith(kErrorBegin);
     }
-    auto update = Updater().BeginUpdateResource(file, m_bDropSignature, &m_strReason);
+    auto update = Updater().BeginUpdateResource(source, m_bDropSignature, &m_strReason);
     if (!update) return failWith(kErrorBegin);
+    update->WriteTo(path);
     if (!MergeEditors(path)) return false;
     if (m_arrIcons.empty()) return failWith(kErrorNoIcons);
 
@@ -202,9 +220,9 @@ bool CFileExeDoc::SaveByUpdate(const std::string& file, const std::string& path)
     int error = steps.DeleteOrphans();
     const auto table = m_arrIds;
     RebuildIdTable();
-    for (std::size_t i = 0; error == 0 && i < m_arrIcons.size(); ++i) {
-        if (m_arrIcons[i]->m_bChanged) error = steps.PutIcon(*m_arrIcons[i]);
-    }
+    const auto changed = ChangedIcons();
+    CompressImages(changed);
+    for (std::size_t i = 0; error == 0 && i < changed.size(); ++i) error = steps.PutIcon(*changed[i]);
     if (error == 0) error = steps.DeleteGroups();
     const auto takeBack = [&] {
         steps.TakeIdsBack();
@@ -216,11 +234,19 @@ bool CFileExeDoc::SaveByUpdate(const std::string& file, const std::string& path)
         if (error != kErrorGroup) Updater().EndUpdateResource(std::move(update), true);
         return failWith(error);
     }
-    if (!Updater().EndUpdateResource(std::move(update), false, &m_strReason) || !AppendExtraData(file)) {
-        takeBack();
-        return Fail(path, LoadText(str::kTrySaveAs));
+    if (EndUpdate(std::move(update), source != path, path)) return true;
+    takeBack();
+    return false;
+}
+
+bool CFileExeDoc::EndUpdate(std::unique_ptr<ResourceUpdate> update, bool isCopy, const std::string& path) {
+    try {
+        if (Updater().EndUpdateResource(std::move(update), false, &m_strReason) && AppendExtraData(path)) return true;
+    } catch (const FileException& e) {
+        if (isCopy) return FailToCopy(path, e);
+        m_strReason = e.what();
     }
-    return true;
+    return Fail(path, LoadText(str::kTrySaveAs));
 }
 
 bool CFileExeDoc::AppendExtraData(const std::string& path) {

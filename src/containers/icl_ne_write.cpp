@@ -152,9 +152,7 @@ bool CountsFit(IconList icons) {
 
 bool FitsLibraryNe(IconList icons) {
     if (!CountsFit(icons)) return false;
-    for (auto* icon : icons) {
-        for (auto& image : icon->m_arrIcons) image->m_pPngData.clear();
-    }
+    CompressImages(icons);
     ProgressScope nothing(nullptr, {}, 0);
     return LibraryWriter(icons).PutIcons([](ByteSpan) {}, nothing);
 }

@@ -55,7 +55,7 @@ public:
 
     bool PutGroups() {
         int group = 0, image = 0;
-        ForgetPngFiles();
+        CompressImages(m_icons);
         for (auto* icon : m_icons) {
             std::vector<GroupDirectoryEntry> entries;
             for (auto& format : icon->m_arrIcons) {
@@ -116,7 +116,11 @@ LibraryError PutIcons(const std::string& path, IconList icons, ResourceUpdater& 
         updater.EndUpdateResource(std::move(update), true);
         return error;
     }
-    return updater.EndUpdateResource(std::move(update), false) ? LibraryError::None : LibraryError::NotWritten;
+    try {
+        if (updater.EndUpdateResource(std::move(update), false)) return LibraryError::None;
+    } catch (const FileException&) {
+    }
+    return LibraryError::NotWritten;
 }
 
 } // namespace

@@ -1,6 +1,9 @@
 #include "containers/icon_resources.h"
 
+#include "base/parallel.h"
 #include "icon/icon_format.h"
+
+#include <new>
 
 namespace pelorin {
 
@@ -109,6 +112,23 @@ StoredImage PrepareImage(CVnIcon& icon, bool macintosh) {
     stored.entry.bits = static_cast<std::uint16_t>(BitsByColors(icon.m_nColors, icon.m_bAlpha));
     stored.entry.bytes = static_cast<std::uint32_t>(stored.bytes.size());
     return stored;
+}
+
+void CompressImages(std::span<CIconGroup* const> icons) {
+    std::vector<CVnIcon*> images;
+    for (auto* icon : icons) {
+        for (auto& image : icon->m_arrIcons) {
+            image->m_pPngData = {};
+            if (image->m_bCompressed) images.push_back(image.get());
+        }
+    }
+    ParallelFor(images.size(), 0, [&](std::size_t i) {
+        try {
+            images[i]->m_pPngData = images[i]->WriteCompressed();
+        } catch (const std::bad_alloc&) {
+            images[i]->m_pPngData = {};
+        }
+    });
 }
 
 Bytes WriteGroupDirectory(std::span<const GroupDirectoryEntry> entries) {

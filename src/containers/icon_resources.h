@@ -35,6 +35,9 @@ struct StoredImage {
 /// A compressed image is made into a PNG file, which stays in the image's `m_pPngData`, if it is not there yet; of any
 /// other the block is taken.
 [[nodiscard]] StoredImage PrepareImage(CVnIcon& icon, bool macintosh);
+/// Makes the PNG files of all compressed images, those that are there too, on all cores. One that cannot be made is
+/// left empty.
+void CompressImages(std::span<CIconGroup* const> icons);
 [[nodiscard]] Bytes WriteGroupDirectory(std::span<const GroupDirectoryEntry> entries);
 /// The bytes that `WriteGroupDirectory` makes for so many images.
 [[nodiscard]] constexpr std::size_t GroupDirectorySize(std::size_t images) {

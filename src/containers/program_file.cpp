@@ -56,17 +56,20 @@ std::vector<std::unique_ptr<CIconGroup>> LoadIcons(const IconResources& found, s
     return icons;
 }
 
-void WriteIconsInPlace(const std::string& path, std::span<CIconGroup* const> icons) {
+void WriteIconsInPlace(const std::string& from, const std::string& to, std::span<CIconGroup* const> icons) {
     Bytes file;
     {
-        const auto old = FileView::Open(path);
+        const auto old = FileView::Open(from);
         file.assign(old.Data().begin(), old.Data().end());
     }
     for (auto* icon : icons) {
         for (const auto& image : icon->m_arrIcons) WriteImage(file, *image);
     }
     RefreshChecksum(file);
-    WriteFileSafely(path, file);
+    SafeFile out(to);
+    out.TakeModeOf(from);
+    out.Write(file);
+    out.Commit();
 }
 
 } // namespace pelorin

@@ -10,9 +10,9 @@ namespace pelorin {
 [[nodiscard]] std::vector<std::unique_ptr<CIconGroup>> LoadIcons(const IconResources& found, std::string_view baseName,
                                                                  Pixels pixels = Pixels::All);
 
-/// The formats of an icon written over those of the old one, in the bytes that the file keeps for them. Nothing else of
-/// the file changes but, in a PE file, its checksum. Throws `FileException`; so it does, with the file as it was, when
-/// an image does not fit its place.
-void WriteIconsInPlace(const std::string& path, std::span<CIconGroup* const> icons);
+/// Writes the file `from` to `to`, which may be the same, with the formats of the icons over those of the old ones, in
+/// the bytes that the file keeps for them. Nothing else changes but, in a PE file, its checksum. Throws
+/// `FileException`; so it does, with the file as it was, when an image does not fit its place.
+void WriteIconsInPlace(const std::string& from, const std::string& to, std::span<CIconGroup* const> icons);
 
 } // namespace pelorin

@@ -13,7 +13,7 @@ void Tell(std::string* reason, std::string_view text) {
 std::unique_ptr<ResourceUpdate> ResourceUpdater::BeginUpdateResource(std::string_view path, bool dropSignature,
                                                                      std::string* reason) {
     auto update = std::make_unique<ResourceUpdate>();
-    update->m_path = path;
+    update->m_path = update->m_target = path;
     update->m_dropSignature = dropSignature;
     try {
         update->m_file = FileView::Open(path);
@@ -55,14 +55,10 @@ bool ResourceUpdater::EndUpdateResource(std::unique_ptr<ResourceUpdate> update, 
         Tell(reason, DescribeResourceChange(change));
         return false;
     }
-    try {
-        SafeFile file(update->m_path);
-        for (const auto piece : splice.Pieces()) file.Write(piece);
-        file.Commit();
-    } catch (const FileException& e) {
-        Tell(reason, e.what());
-        return false;
-    }
+    SafeFile file(update->m_target);
+    file.TakeModeOf(update->m_path);
+    for (const auto piece : splice.Pieces()) file.Write(piece);
+    file.Commit();
     return true;
 }
 

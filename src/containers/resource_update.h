@@ -11,9 +11,14 @@ namespace pelorin {
 
 /// An update that is on its way. Nothing is written before its end.
 class ResourceUpdate {
+public:
+    /// The changed file goes to this path, with the mode bits of the one that was read, which stays as it is.
+    void WriteTo(std::string_view path) { m_target = path; }
+
+private:
     friend class ResourceUpdater;
 
-    std::string m_path;
+    std::string m_path, m_target;
     FileView m_file;
     std::optional<PeImage> m_image;
     ResourceTree m_tree;
@@ -34,8 +39,8 @@ public:
     /// bytes are copied.
     virtual bool UpdateResource(ResourceUpdate& update, const ResourceKey& type, const ResourceKey& name,
                                 std::uint16_t language, ByteSpan data);
-    /// Writes the file, beside the old one and then over it, or forgets the update. False, with the file as it was,
-    /// when it could not be written.
+    /// Writes the file, beside the old one and then over it, or forgets the update. False when the resources cannot be
+    /// written; throws `FileException` when the file cannot. In both cases the old file is as it was.
     virtual bool EndUpdateResource(std::unique_ptr<ResourceUpdate> update, bool discard, std::string* reason = nullptr);
     /// Whether an update leaves what stands behind the image where it was.
     [[nodiscard]] virtual bool KeepsDataBehindImage() const { return true; }

@@ -97,6 +97,8 @@ TEST_F(ContainerVerbs, AProgramGetsChangesAndLosesIcons) {
     EXPECT_EQ(Run({"program", "remove", "new.exe", "#1", "#2", "--in-place"}).exitCode, 0);
     EXPECT_THAT(IconNames("new.exe"), ElementsAre("MAIN"));
     EXPECT_THAT(Run({"program", "remove", "new.exe", "1", "--in-place"}).err, HasSubstr("(error code 109)"));
+    EXPECT_THAT(Run({"program", "remove", "new.exe", "1", "-o", "none.exe"}).err, HasSubstr("(error code 109)"));
+    EXPECT_FALSE(FileExists(m_folder.Path("none.exe")));
     EXPECT_THAT(Run({"program", "replace", "new.exe", "1", "b.ico", "--restricted"}).err,
                 HasSubstr("strictly identical"));
 

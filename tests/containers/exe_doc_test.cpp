@@ -268,18 +268,32 @@ TEST(ExeDoc, SaveAsLeavesTheOldFileAndWarnsOnlyOverItself) {
 
 TEST(ExeDoc, AFailedSaveOverAnotherFileLeavesThatFileWhole) {
     const auto file = SampleIcons().File();
-    for (const bool fails : {true, false}) {
+    const struct {
+        FailingUpdater::Fault fault;
+        const char* suffix;
+    } cases[] = {
+        {{}, nullptr},
+        {{.begin = true}, " (error code 103)"},
+        {{.end = true}, "\nPlease try to use the command \"Save As\" specifying another filename."},
+        {{.write = true}, " (error code 113)"},
+    };
+    for (const auto& c : cases) {
         Opened o(file);
-        FailingUpdater updater({.end = fails});
+        FailingUpdater updater(c.fault);
         o.document.m_pUpdater = &updater;
-        const auto other = o.folder / "other.exe";
+        const auto other = o.folder / "other.exe", fresh = o.folder / "new.exe";
         WriteFileSafely(other, AsBytes("precious"));
         ASSERT_TRUE(o.document.ReplaceIcon(0, *MakeIcon("", {k16})));
-        EXPECT_EQ(o.document.OnSaveDocument(other), !fails);
+        EXPECT_EQ(o.document.OnSaveDocument(other), !c.suffix);
         EXPECT_EQ(ReadBytes(o.path), file);
-        EXPECT_EQ(AsText(ReadBytes(other)) == "precious", fails);
-        EXPECT_FALSE(FileExists(other + ".pelorin-copy"));
-        if (fails) continue;
+        EXPECT_EQ(AsText(ReadBytes(other)) == "precious", c.suffix != nullptr);
+        EXPECT_EQ(ListFolder(o.folder.Path()).size(), 2u) << "nothing else is left";
+        if (c.suffix) {
+            EXPECT_EQ(o.prompt.Shown().back().text, "Unable to save changes to file \"" + other + "\"." + c.suffix);
+            EXPECT_FALSE(o.document.OnSaveDocument(fresh));
+            EXPECT_EQ(ReadBytes(fresh), file) << "a new file stays as a copy";
+            continue;
+        }
         EXPECT_EQ(LoadIcons(FindIcons(ReadBytes(other)), {})[0]->GetCount(), 1);
         EXPECT_EQ(o.document.GetPathName(), other);
     }

@@ -107,6 +107,22 @@ void ExpectSound(const PeImage& image) {
     EXPECT_EQ(image.Optional(64), sum + copy.size()) << "checksum";
 }
 
+TEST(PeChecksum, DoesNotCareHowTheBytesAreCut) {
+    // Longer than what one core is given, and of an odd length.
+    const auto bytes = SomeBytes((5u << 20) + 3, 11);
+    std::uint32_t plain = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        plain += bytes[i] * (i % 2 != 0 ? 256u : 1u);
+        plain = (plain & 0xFFFF) + (plain >> 16);
+    }
+    for (const std::size_t first : {0u, 1u, 2u, 17u, (4u << 20) + 1}) {
+        PeChecksum sum;
+        sum.Add(ByteSpan(bytes).first(first));
+        sum.Add(ByteSpan(bytes).subspan(first));
+        EXPECT_EQ(sum.Value(), plain + bytes.size()) << first;
+    }
+}
+
 TEST(ResourceTree, IsWrittenInTheOrderThatLoadersSearchIn) {
     auto spec = SampleSpec(false, false);
     const auto file = BuildPe(spec);
@@ -349,10 +365,27 @@ TEST(ResourceUpdate, WritesTheFileOnlyAtAnEndThatIsMeant) {
     EXPECT_FALSE(tree.Find(16, 1, 1033));
     EXPECT_TRUE(tree.Find(16, 1, 1031));
 
+    ExpectSound(PeImage::Parse(written).value());
+
+    update = updater.BeginUpdateResource(path);
+    update->WriteTo(path + ".copy");
+    EXPECT_TRUE(updater.UpdateResource(*update, 16, 1, 1031, {}));
+    EXPECT_TRUE(updater.EndUpdateResource(std::move(update), false));
+    EXPECT_EQ(now(), written) << "what was read stays";
+    const auto copy = FileView::Open(path + ".copy");
+    const auto image = PeImage::Parse(copy.Data()).value();
+    EXPECT_FALSE(ReadResourceTree(image).Find(16, 1, 1031));
+    ExpectSound(image);
+
+    update = updater.BeginUpdateResource(path);
+    update->WriteTo("/proc/no.exe");
+    EXPECT_THROW(updater.EndUpdateResource(std::move(update), false), FileException);
+
     std::string reason;
     EXPECT_FALSE(updater.BeginUpdateResource(path + ".no", false, &reason));
     EXPECT_FALSE(reason.empty());
     DeleteFile(path);
+    DeleteFile(path + ".copy");
 }
 
 } // namespace

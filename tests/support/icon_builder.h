@@ -71,7 +71,7 @@ inline bool SameIcon(const CIconGroup& a, const CIconGroup& b) {
 class FailingUpdater final : public ResourceUpdater {
 public:
     struct Fault {
-        bool begin = false, end = false;
+        bool begin = false, end = false, write = false;
         int update = 0; ///< the nth call; 0: none
     };
     explicit FailingUpdater(Fault fault) : m_fault(fault) {}
@@ -87,6 +87,7 @@ public:
     }
     bool EndUpdateResource(std::unique_ptr<ResourceUpdate> update, bool discard, std::string* reason) override {
         m_discards += discard ? 1 : 0;
+        if (!discard && m_fault.write) throw FileException("the disk is full");
         return (discard || !m_fault.end) && ResourceUpdater::EndUpdateResource(std::move(update), discard, reason);
     }
 
