@@ -7,7 +7,7 @@
 //   ...  colour table: 4 bytes an entry, 3 with the 12-byte header; or, with compression 3, three u32 masks
 //   ...  rows, the bottom picture row first (the top one first when the height is negative), each padded to 4 bytes
 // Compression 0 is none, 1 run lengths of 8-bit pixels, 2 of 4-bit pixels, 3 "bit fields" (masks say where the channels
-// lie; they are kept and not obeyed).
+// lie; they are kept and not obeyed); higher numbers are read as none.
 //
 // Run lengths: pairs of count and value; a count of 0 is followed by 0 (end of row), 1 (end of picture), 2 and two
 // bytes (move right and up), or n > 2 and n literal pixels, padded to an even number. What no run covers is index 0.
@@ -21,8 +21,8 @@ namespace pelorin {
 [[nodiscard]] bool IsBmp(ByteSpan file);
 
 /// The file as a block: 40-byte header with colours used and important filled in, the table or the masks, bottom-up
-/// rows without run lengths. Depth and table are the file's. Empty for 4-bit run lengths, for JPEG or PNG in a bitmap,
-/// and when the rows are not all there; a run-length picture may end early.
+/// rows without run lengths. Depth and table are the file's. Empty for 4-bit run lengths and when the rows are not all
+/// there; a run-length picture may end early.
 [[nodiscard]] DibBlock ReadRawBmp(ByteSpan file, Progress* progress = nullptr);
 /// The same as a picture: 32 bits where the file has a pixel with alpha, else 24.
 [[nodiscard]] DibBlock ReadBmp(ByteSpan file, const PictureRequest& request, PictureFacts& facts);

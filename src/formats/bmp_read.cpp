@@ -58,10 +58,10 @@ bool IsReadable(const Header& header) {
     if (header.width <= 0 || header.height <= 0) return false;
     if (std::int64_t{header.width} * header.height > kMaxPixels) return false;
     switch (header.compression) {
-    case kPlain: return true;
     case kRle8: return header.bits == 8 && !header.topDown;
+    case kRle4: return false;
     case kBitFields: return header.bits >= 15;
-    default: return false;
+    default: return true;
     }
 }
 
@@ -73,6 +73,8 @@ bool Normalise(Header& header, std::size_t bytesForTable) {
     }
     // Masks with one for alpha lie where the others do, and none of them is obeyed.
     if (header.compression == kAlphaBitFields) header.compression = kBitFields;
+    // Numbers that nobody knows are no compression; whether there are rows behind them, the file's length tells.
+    if (header.compression > kBitFields) header.compression = kPlain;
     if (!IsReadable(header)) return false;
     if (header.colors == 0 && header.bits < 15) header.colors = 1u << header.bits;
     const std::size_t entry = header.Core() ? 3 : 4;

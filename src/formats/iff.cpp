@@ -122,7 +122,11 @@ Decoded Decode(const IffForm& form, ProgressScope& progress) {
         WriteRow(values, rows.BitCount(), rows.PictureRow(y));
         progress.Step(static_cast<std::uint64_t>(y) + 1);
     }
-    if (indexed) SetDIBTable(result.block, form.colors);
+    if (indexed) {
+        auto table = form.colors;
+        table.resize(256);
+        SetDIBTable(result.block, table);
+    }
     return result;
 }
 

@@ -69,21 +69,12 @@ bool ReadHeader(ByteReader in, IffForm& form) {
     in.Skip(1);
     form.transparent = in.U16BE();
     form.masking = masking <= 3 ? static_cast<IffMasking>(masking) : IffMasking::None;
+    // Rows of bytes have no planes, so none for a mask.
+    if (form.chunky && form.masking == IffMasking::Plane) form.masking = IffMasking::None;
     form.packed = compression == 1;
     const bool depth =
         (form.planes >= 1 && form.planes <= 8) || (!form.chunky && (form.planes == 24 || form.planes == 32));
     return in.Ok() && compression <= 1 && depth && IsPictureSize(form.width, form.height);
-}
-
-// Early programs kept the four bits that the display had in the high half of each value: the brightest was F0.
-void WidenFourBitColors(std::vector<Rgb>& colors) {
-    Rgb brightest = 0;
-    for (const auto color : colors) {
-        if ((color & 0x0F0F0F) != 0) return;
-        brightest = std::max({brightest, color & 255, color >> 8 & 255, color >> 16});
-    }
-    if (brightest != 0xF0) return;
-    for (auto& color : colors) color |= color >> 4;
 }
 
 void AddHalfBrite(std::vector<Rgb>& colors) {
@@ -103,7 +94,6 @@ void FindColors(IffForm& form, const RawForm& raw) {
     const auto stated = mode.U32BE();
     const auto flags = mode.Ok() ? stated : GuessMode(form);
     form.holdAndModify = (flags & kHoldAndModify) != 0 && form.planes >= 5 && form.planes <= 8 && !form.chunky;
-    WidenFourBitColors(form.colors);
     if (form.TrueColor()) return;
     if (form.colors.empty()) form.colors = GrayRamp(1 << (form.holdAndModify ? form.planes - 2 : form.planes));
     const bool halfBrite = (flags & kHalfBrite) != 0 && form.planes == 6 && !form.holdAndModify;

@@ -21,7 +21,7 @@ struct IffForm {
     ByteSpan body;
 
     [[nodiscard]] std::size_t PlaneBytes() const { return static_cast<std::size_t>(width + 15) / 16 * 2; }
-    [[nodiscard]] bool HasMaskPlane() const { return !chunky && masking == IffMasking::Plane; }
+    [[nodiscard]] bool HasMaskPlane() const { return masking == IffMasking::Plane; }
     [[nodiscard]] std::size_t RowBytes() const {
         if (chunky) return static_cast<std::size_t>(width + 1) / 2 * 2;
         return PlaneBytes() * static_cast<std::size_t>(planes + (HasMaskPlane() ? 1 : 0));

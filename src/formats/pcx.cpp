@@ -203,7 +203,11 @@ DibBlock ReadPcx(ByteSpan file, const PictureRequest& request, PictureFacts& fac
         write(header, row, rows.PictureRow(y));
         progress.Step(static_cast<std::uint64_t>(y) + 1);
     }
-    if (header.Depth() <= 8) SetDIBTable(block, Colors(header, file, in.Pos()));
+    if (header.Depth() <= 8) {
+        auto table = Colors(header, file, in.Pos());
+        table.resize(256);
+        SetDIBTable(block, table);
+    }
     facts.width = header.width;
     facts.height = header.height;
     facts.bits = header.Depth();

@@ -111,6 +111,7 @@ TEST(Bmp, DepthsWithoutTable) {
          0x04030201},
         {"no alpha anywhere", {1, 1, 32}, {1, 2, 3, 0}, 24, 0xFF030201},
         {"the first row is the top one", {1, -2, 24}, {1, 1, 1, 0, 2, 2, 2, 0}, 24, 0xFF010101},
+        {"an unknown compression is none", {1, 1, 24, 99}, {1, 2, 3, 0}, 24, 0xFF030201},
         {"a gap before the rows", {1, 1, 24, 0, 0, 56}, {7, 7, 1, 2, 3, 0}, 24, 0xFF030201},
         {"padding left out at the end", {1, 1, 24}, {1, 2, 3}, 24, 0xFF030201},
         {"long header", {1, 1, 32, 3, 0, 138, 124}, {1, 2, 3, 255}, 32, 0xFF030201},

@@ -44,6 +44,7 @@ Bytes MakeForm(const Shape& shape, const Bytes& body) {
     return out.Take();
 }
 
+constexpr Argb kBlack = 0xFF000000;
 const Bytes kFour = {1, 2, 3, 10, 20, 30, 40, 50, 60, 70, 80, 90};
 
 TEST(Iff, PlanesBytesAndSpecialModes) {
@@ -89,11 +90,17 @@ TEST(Iff, PlanesBytesAndSpecialModes) {
          {0xC0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x40, 0},
          8,
          {0xFF8140FF, 0xFF40207F}},
-        {"colours of four bits in the high half",
+        {"colours are taken as they stand",
          {1, 1, 1, 0, 0, 0, false, 0, {0, 0, 0, 0xF0, 0x80, 0x10}},
          {0x80, 0},
          1,
-         {0xFFFF8811}},
+         {0xFFF08010}},
+        {"colours that are not there are black", {2, 1, 8, 0, 0, 0, true, 0, kFour}, {4, 255}, 8, {kBlack, kBlack}},
+        {"bytes have no mask plane, nor does the index count then",
+         {2, 1, 8, 1, 0, 1, true, 0, kFour},
+         {0, 1},
+         8,
+         {0xFF010203, 0xFF0A141E}},
     };
     for (const auto& c : cases) {
         const auto block = ReadCopy(ReadIff, MakeForm(c.shape, c.body));
