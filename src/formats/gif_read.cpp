@@ -251,7 +251,7 @@ bool IsGif(ByteSpan file) {
 DibBlock ReadGif(ByteSpan file, const PictureRequest& request, PictureFacts& facts) {
     const Decoder decoder(file);
     if (!decoder.Get() || request.frame < 0) return {};
-    ProgressScope progress(request.progress, "Reading GIF...", static_cast<std::uint64_t>(request.frame) + 1);
+    ProgressScope progress(request.progress, ReadingText("GIF"), static_cast<std::uint64_t>(request.frame) + 1);
     FrameSource source(decoder);
     DibBlock result;
     Size size;

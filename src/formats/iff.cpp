@@ -178,7 +178,7 @@ DibBlock ReadIff(ByteSpan file, const PictureRequest& request, PictureFacts& fac
     // Two bytes make at most 128.
     if (bytes / (form->packed ? 64 : 1) > form->body.size()) return {};
 
-    ProgressScope progress(request.progress, "Reading IFF...", static_cast<std::uint64_t>(form->height));
+    ProgressScope progress(request.progress, ReadingText("IFF"), static_cast<std::uint64_t>(form->height));
     auto picture = Decode(*form, progress);
     if (!picture.block) return {};
     ApplyMask(*form, picture);

@@ -1,6 +1,6 @@
-#include "core/strings.h"
 #include "formats/jpeg2000.h"
 #include "formats/jpeg2000_shape.h"
+#include "formats/reader_support.h"
 
 #include <openjpeg.h>
 
@@ -152,7 +152,7 @@ DibBlock ReadJpeg2000(ByteSpan file, const PictureRequest& request, PictureFacts
     facts.width = static_cast<int>(shape.width);
     facts.height = static_cast<int>(shape.height);
 
-    const ProgressScope progress(request.progress, LoadText(str::kReading) + "JPEG 2000", 1);
+    const ProgressScope progress(request.progress, ReadingText("JPEG 2000"), 1);
     const bool bare = IsBareCodestream(file);
     const auto image = Decode(file, bare, request.preview ? PreviewLevels(shape) : 0);
     if (!image || !ComponentsFit(*image)) return {};

@@ -73,7 +73,7 @@ DibBlock ReadMetafile(ByteSpan file, const PictureRequest& request, PictureFacts
     const auto size = PictureSize(known, request);
     if (!IsPictureSize(size.width, size.height)) return {};
 
-    ProgressScope progress(request.progress, "Reading WMF...", 2);
+    ProgressScope progress(request.progress, ReadingText("WMF"), 2);
     const auto onMagenta = PlayOn(kMagenta, file, kind, known, size);
     progress.Step(1);
     if (progress.StopAsked()) return {};

@@ -1,6 +1,7 @@
 #include "formats/pcd.h"
 
 #include "formats/pcd_planes.h"
+#include "formats/reader_support.h"
 
 namespace pelorin {
 
@@ -49,7 +50,7 @@ DibBlock ReadPcd(ByteSpan file, const PictureRequest& request, PictureFacts& fac
     auto block = CreateDIB(upright ? luma.height : luma.width, upright ? luma.width : luma.height, 24);
     const DibRows rows(block);
     if (!rows) return {};
-    ProgressScope progress(request.progress, "Reading Photo CD...", static_cast<std::uint64_t>(luma.height));
+    ProgressScope progress(request.progress, ReadingText("Photo CD"), static_cast<std::uint64_t>(luma.height));
     for (int y = 0; y < luma.height; ++y) {
         for (int x = 0; x < luma.width; ++x) {
             const auto color = ColorOf(luma.Row(y)[x], chroma[0].Row(y)[x], chroma[1].Row(y)[x]);

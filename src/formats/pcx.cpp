@@ -194,7 +194,7 @@ DibBlock ReadPcx(ByteSpan file, const PictureRequest& request, PictureFacts& fac
     auto block = CreateDIB(header.width, header.height, header.Depth());
     const DibRows rows(block);
     if (!rows) return {};
-    ProgressScope progress(request.progress, "Reading PCX...", static_cast<std::uint64_t>(header.height));
+    ProgressScope progress(request.progress, ReadingText("PCX"), static_cast<std::uint64_t>(header.height));
     RowSource source(in, header.encoding == 1);
     const auto write = RowWriter(header.Depth());
     Bytes row(header.RowBytes());

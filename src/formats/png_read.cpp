@@ -1,5 +1,6 @@
 #include "formats/png.h"
 #include "formats/png_library.h"
+#include "formats/reader_support.h"
 
 #include <algorithm>
 
@@ -131,7 +132,7 @@ DibBlock ReadPng(ByteSpan file, const PictureRequest& request, PictureFacts&) {
     const DibRows rows(block);
     if (!rows || rows.BitCount() != session.pixelBits) return {};
     FillTable(session, block);
-    ProgressScope progress(request.progress, "Reading PNG...",
+    ProgressScope progress(request.progress, ReadingText("PNG"),
                            static_cast<std::uint64_t>(session.passes) * static_cast<unsigned>(session.height));
     if (!ReadRows(session, rows, progress)) return {};
     return block;

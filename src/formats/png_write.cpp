@@ -1,3 +1,4 @@
+#include "core/strings.h"
 #include "formats/png.h"
 #include "formats/png_library.h"
 
@@ -85,7 +86,7 @@ int WritePng(const DibBlock& block, const PictureSaveOptions& options, Bytes& ou
     const DibView view(block);
     PngWriteSession session;
     if (!view || !IsPngDepth(view.BitCount()) || !session) return 1;
-    ProgressScope progress(options.progress, "Writing PNG...", static_cast<std::uint64_t>(view.Height()));
+    ProgressScope progress(options.progress, LoadText(str::kWritingPng), static_cast<std::uint64_t>(view.Height()));
     auto* const png = session.Png();
     const bool good = PngGuarded(png, [&] {
         if (options.pngSmallest) {

@@ -78,7 +78,7 @@ DibBlock ReadMerged(ByteReader& in, const Header& header, Progress* watcher) {
     auto block = CreateDIB(header.size.width, header.size.height, 32);
     const DibRows rows(block);
     if (!rows) return {};
-    ProgressScope progress(watcher, "Reading PSD...", 4);
+    ProgressScope progress(watcher, ReadingText("PSD"), 4);
     FillPlanes(in, rows, header, compression, progress);
     if (!in.Ok() || progress.StopAsked()) return {};
     return header.channels == 3 ? ComposeTo24(block, kWhite) : std::move(block);

@@ -1,9 +1,15 @@
 // Small steps that several picture readers end with.
 #pragma once
 
+#include "core/strings.h"
 #include "pixel/dib.h"
 
 namespace pelorin {
+
+/// What the progress shows while a picture of the format is read; bitmaps and JPEG have texts of their own.
+[[nodiscard]] inline std::string ReadingText(std::string_view format) {
+    return LoadText(str::kReading).append(format);
+}
 
 /// A 32-bit picture whose alpha bytes are all 0 holds no alpha: it becomes 24 bits. Every other block stays.
 [[nodiscard]] inline DibBlock DropEmptyAlpha(DibBlock block) {

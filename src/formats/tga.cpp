@@ -236,7 +236,7 @@ DibBlock ReadTga(ByteSpan file, const PictureRequest& request, PictureFacts& fac
     auto block = CreateDIB(header.width, header.height, targetBits);
     const DibRows rows(block);
     if (!rows) return {};
-    ProgressScope progress(request.progress, "Reading TGA...", static_cast<std::uint64_t>(header.height));
+    ProgressScope progress(request.progress, ReadingText("TGA"), static_cast<std::uint64_t>(header.height));
     RowSource source(in, header);
     Bytes row(rowBytes);
     std::uint64_t done = 0;

@@ -1,4 +1,4 @@
-#include "core/strings.h"
+#include "formats/reader_support.h"
 #include "formats/tiff.h"
 #include "formats/tiff_page.h"
 
@@ -62,6 +62,27 @@ File OpenMemory(ByteReader& in) {
     return {TIFFClientOpen("", "rm", &in, ReadBytes, WriteNothing, Seek, Close, SizeOf, Map, Unmap), TIFFClose};
 }
 
+// What one byte of the file can stand for at most. Packings that are not here may make any number of one.
+struct Packing {
+    std::uint16_t compression;
+    std::uint64_t ratio;
+};
+constexpr Packing kPackings[] = {
+    {COMPRESSION_NONE, 1},       {COMPRESSION_PACKBITS, 64},        {COMPRESSION_LZW, 2731},
+    {COMPRESSION_DEFLATE, 1032}, {COMPRESSION_ADOBE_DEFLATE, 1032},
+};
+
+// False when the file is too short for its samples, whatever they are: no memory need be taken to find that out.
+bool FileCanHold(TIFF* file, const TiffPage& page, std::size_t fileSize) {
+    std::uint16_t compression = COMPRESSION_NONE;
+    TIFFGetFieldDefaulted(file, TIFFTAG_COMPRESSION, &compression);
+    const auto pixels = static_cast<std::uint64_t>(page.width) * static_cast<std::uint64_t>(page.height);
+    const auto bytes = pixels * static_cast<std::uint64_t>(page.samples * page.bits) / 8;
+    const auto* packing = std::find_if(std::begin(kPackings), std::end(kPackings),
+                                       [&](const auto& row) { return row.compression == compression; });
+    return packing == std::end(kPackings) || bytes / packing->ratio <= fileSize;
+}
+
 // ---- pages that only the library's own converter knows ----
 
 DibBlock ReadConverted(TIFF* file, TiffPage page) {
@@ -109,8 +130,8 @@ DibBlock ReadTiff(ByteSpan bytes, const PictureRequest& request, PictureFacts& f
 
     TiffPage page;
     const bool plain = ReadTiffTags(file.get(), page);
-    if (page.width == 0) return {};
-    ProgressScope progress(request.progress, LoadText(str::kReading) + "TIFF", static_cast<std::uint64_t>(page.height));
+    if (page.width == 0 || (plain && !FileCanHold(file.get(), page, bytes.size()))) return {};
+    ProgressScope progress(request.progress, ReadingText("TIFF"), static_cast<std::uint64_t>(page.height));
     DibBlock block;
     if (plain) {
         const auto samples = ReadTiffSamples(file.get(), page, progress);

@@ -276,6 +276,42 @@ TEST(SaveImage, KindGoesByTheFilterListInUse) {
     EXPECT_EQ(KindOfFilter(plain, 6), 0);
 }
 
+// Keeps the last text that was shown.
+class LastText final : public Progress {
+public:
+    std::string text;
+    void Begin(std::string_view shown, std::uint64_t) override { text = shown; }
+    void Step(std::uint64_t) override {}
+    void End() override {}
+};
+
+TEST(Progress, TextsOfReadersAndWriters) {
+    struct Case {
+        int kind;
+        const char *writing, *reading;
+    };
+    const Case cases[] = {
+        {3, "Writing BMP...", "Reading BMP..."},
+        {10, "Writing  JPEG...", "Reading JPEG..."},
+        {15, "Writing PNG...", "Reading PNG"},
+        {36, "Writing  JPEG...", "Reading JPEG 2000"},
+        {7, "", "Reading GIF"},
+    };
+    for (const auto& c : cases) {
+        LastText progress;
+        PictureSaveOptions options;
+        options.progress = &progress;
+        Bytes file;
+        ASSERT_EQ(EncodePicture(CreateDIB(4, 4, 24), c.kind, options, file), 0);
+        EXPECT_EQ(progress.text, c.writing);
+        PictureRequest request;
+        request.progress = &progress;
+        PictureFacts facts;
+        EXPECT_TRUE(ReadPicture(file, c.kind, request, facts));
+        EXPECT_EQ(progress.text, c.reading);
+    }
+}
+
 TEST(LoadFromFile, PublishesTheFilesSizeForJpeg) {
     const test::TempFolder folder;
     const auto path = folder.Path("a.jpg");
