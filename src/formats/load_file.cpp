@@ -38,15 +38,16 @@ bool LoadFromFile(CDIB& dib, std::string_view path, const PictureRequest& reques
     auto indexed = request;
     indexed.keepIndices = true;
     auto block = LoadPicture(path, indexed, facts);
-    Publish(block, facts);
-    if (factsOut) *factsOut = facts;
-    if (!block) return false;
-    dib.Attach(std::move(block));
-    if (facts.kind == kKindAni) dib.m_nFrameRate = facts.delay;
-    dib.m_nTransparentIndex = facts.transparentIndex;
-    if (facts.paletteBits > 0) (void)dib.KeepSourcePalette(facts.paletteBits);
-    (void)dib.ApplyTransparentIndex();
-    return true;
+    if (block) {
+        dib.Attach(std::move(block));
+        if (facts.kind == kKindAni) dib.m_nFrameRate = facts.delay;
+        dib.m_nTransparentIndex = facts.transparentIndex;
+        if (facts.paletteBits > 0) (void)dib.KeepSourcePalette(facts.paletteBits);
+        (void)dib.ApplyTransparentIndex();
+    }
+    Publish(dib.Block(), facts);
+    if (factsOut) *factsOut = std::move(facts);
+    return !dib.Empty();
 }
 
 } // namespace pelorin

@@ -244,6 +244,7 @@ TEST_F(DibDocTest, GifKeepsItsPaletteAndTransparencyOverSaves) {
     EXPECT_TRUE(document.IsGifView()) << "what is shown comes from the file";
     EXPECT_EQ(document.GetFacts().format, "GIF");
     EXPECT_EQ(document.GetImage().GetBitCount(), 32);
+    EXPECT_EQ(g_LastImageBits, 32) << "of the finished picture, not of the file";
     EXPECT_EQ(At(document.GetImage().Block(), 1, 0) >> 24, 0u);
 
     // Saved again, the picture goes back onto its own palette. Its pixels have a red of 128 and more, so none is lost.
