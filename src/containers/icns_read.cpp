@@ -2,6 +2,7 @@
 #include "containers/icns_images.h"
 
 #include <algorithm>
+#include <map>
 
 namespace pelorin {
 
@@ -21,11 +22,13 @@ std::optional<Element> TakeElement(const IcnsElementKind& kind, ByteSpan payload
     return Element{&kind, payload.first(color), payload.subspan(color)};
 }
 
-const Element* FindMask(const std::vector<Element>& elements, const IcnsElementKind& kind) {
+// The first mask of each kind: a family may have very many elements, and each image asks.
+using Masks = std::map<std::string_view, ByteSpan>;
+
+const ByteSpan* FindMask(const Masks& masks, const IcnsElementKind& kind) {
     for (const auto type : kind.masks) {
-        if (type.empty()) continue;
-        const auto found = std::ranges::find_if(elements, [&](const Element& e) { return e.kind->type == type; });
-        if (found != elements.end()) return &*found;
+        const auto found = masks.find(type);
+        if (found != masks.end()) return &found->second;
     }
     return nullptr;
 }
@@ -81,20 +84,23 @@ int CountIcnsImages(ByteSpan file, std::optional<std::size_t> position) {
 
 bool ReadIcnsFamily(ByteSpan family, CIconGroup& group, std::int64_t& pixels) {
     std::vector<Element> elements;
+    Masks masks;
     const bool good = VisitIcnsElements(family, [&](std::string_view type, ByteSpan payload) {
         const auto* kind = FindIcnsElement(type);
         if (!kind) return;
-        if (const auto element = TakeElement(*kind, payload)) elements.push_back(*element);
+        const auto element = TakeElement(*kind, payload);
+        if (!element) return;
+        if (kind->colorBits != 0) elements.push_back(*element);
+        if (kind->maskBits != 0) masks.try_emplace(kind->type, element->mask);
     });
     if (!good) return false;
     CIconGroup read;
     for (const auto& element : elements) {
-        if (element.kind->colorBits == 0) continue;
-        const auto* mask = FindMask(elements, *element.kind);
+        const auto* mask = FindMask(masks, *element.kind);
         if (!mask && element.kind->coding != IcnsCoding::Jpeg2000) continue;
         if (static_cast<std::int64_t>(element.kind->Pixels()) > pixels) break;
         pixels -= static_cast<std::int64_t>(element.kind->Pixels());
-        auto icon = ImageFromIcns(*element.kind, element.color, mask ? mask->mask : ByteSpan());
+        auto icon = ImageFromIcns(*element.kind, element.color, mask ? *mask : ByteSpan());
         if (icon) read.Append(std::move(*icon));
     }
     if (read.GetCount() == 0) return false;

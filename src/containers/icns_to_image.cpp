@@ -9,6 +9,9 @@ namespace pelorin {
 
 namespace {
 
+// Fields of the bitmap header that differ from those of other new blocks.
+constexpr std::size_t kSizeImage = 20, kImportantColors = 36;
+
 // An empty image of the kind, with the layout of its block.
 struct Target {
     CVnIcon icon;
@@ -18,6 +21,9 @@ struct Target {
         : layout(kind.width, kind.height, IconColors(kind.colorBits), kind.colorBits == 24) {
         icon.Create(kind.width, kind.height, layout.colors, layout.bits == 32);
         icon.m_hImage = EmptyIconBlock(layout);
+        const auto pixels = layout.bits == 32 ? layout.size - layout.xorRows : layout.andRows - layout.xorRows;
+        StoreU32LE(icon.m_hImage.data() + kSizeImage, static_cast<std::uint32_t>(pixels));
+        StoreU32LE(icon.m_hImage.data() + kImportantColors, static_cast<std::uint32_t>(layout.colors));
     }
     // Rows from the top of the picture.
     std::uint8_t* ColorRow(int y) { return Row(layout.xorRows, layout.xorStride, y); }

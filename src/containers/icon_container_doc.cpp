@@ -4,6 +4,8 @@
 #include "core/services.h"
 #include "core/user_prompt.h"
 
+#include <algorithm>
+
 namespace pelorin {
 
 namespace {
@@ -174,9 +176,12 @@ CVnIcon* FindSameFormat(const CIconGroup& group, const CVnIcon& like) {
 }
 
 bool HaveSameFormats(const CIconGroup& a, const CIconGroup& b) {
-    if (a.GetCount() != b.GetCount()) return false;
-    return std::all_of(a.m_arrIcons.begin(), a.m_arrIcons.end(),
-                       [&](const auto& image) { return FindSameFormat(b, *image) != nullptr; });
+    const auto allIn = [](const CIconGroup& some, const CIconGroup& all) {
+        return std::ranges::all_of(some.m_arrIcons,
+                                   [&](const auto& image) { return FindSameFormat(all, *image) != nullptr; });
+    };
+    // Both ways: an icon can name one image twice.
+    return a.GetCount() == b.GetCount() && allIn(a, b) && allIn(b, a);
 }
 
 std::string BaseName(std::string_view path) {

@@ -47,8 +47,9 @@ bool InspectPng(IconImageRef& image) {
     image.colors = bits < 9 ? 1 << bits : 0;
     image.alpha = bits == 32;
     image.compressed = true;
+    if (!IsIconDepth(bits)) return false;
     image.data = image.data.first(PngLength(image.data));
-    return IsIconDepth(bits);
+    return true;
 }
 
 bool InspectBlock(IconImageRef& image) {
@@ -80,14 +81,12 @@ bool SavedBefore(const IconImageRef& a, const IconImageRef& b) {
 } // namespace
 
 GroupDirectory ReadGroupDirectory(ByteSpan bytes) {
-    GroupDirectory directory;
     ByteReader in(bytes);
-    in.Skip(2);
-    directory.type = in.U16LE();
+    in.Skip(4);
     const std::size_t count = in.U16LE();
     if (!in.Ok()) return {};
-    directory.entries.resize(std::min(count, in.Left() / 14));
-    for (auto& entry : directory.entries) {
+    GroupDirectory directory(std::min(count, in.Left() / 14));
+    for (auto& entry : directory) {
         entry = {in.U8(), in.U8(), in.U8(), in.U8(), 0, 0, 0};
         in.Skip(2);
         entry.bits = in.U16LE();

@@ -19,12 +19,9 @@ struct GroupDirectoryEntry {
     std::uint16_t id = 0;
 };
 
-struct GroupDirectory {
-    std::uint16_t type = 0;
-    std::vector<GroupDirectoryEntry> entries;
-};
+using GroupDirectory = std::vector<GroupDirectoryEntry>;
 
-/// The directory with as many of its entries as the bytes hold.
+/// As many of the entries as the bytes hold.
 [[nodiscard]] GroupDirectory ReadGroupDirectory(ByteSpan bytes);
 
 /// One image as it is written into a container: its entry but for the id, and its bytes.

@@ -45,13 +45,22 @@ ResourceTable WalkResourceTable(ByteSpan file, std::size_t place, PositionalIcon
     return {true, in.Pos()};
 }
 
-/// The icons' names, when the table is that of an icon library.
-std::vector<std::string> ReadNames(ByteSpan file, std::size_t header, std::size_t place, std::size_t tableEnd) {
-    std::uint64_t at = header + place;
-    while (at < tableEnd) at += 0x10000;
+bool IsLibraryNames(ByteReader in) {
+    return AsText(in.Take(in.U8())) == kLibraryModule;
+}
+
+/// The icons' names. A program's table has a number of 2 bytes behind each name; that of the module's is 0 and ends
+/// this reading, so that its other names are not taken for those of icons.
+std::vector<std::string> ReadNames(ByteSpan file, std::size_t place, std::size_t tableEnd) {
     ByteReader in(file);
-    in.Seek(at);
-    if (AsText(in.Take(in.U8())) != kLibraryModule) return {};
+    in.Seek(place);
+    if (place < tableEnd) {
+        // Only the low 16 bits of a place further behind.
+        ByteReader behind(file);
+        behind.Seek(place + (tableEnd - place + 0xFFFF) / 0x10000 * 0x10000);
+        if (IsLibraryNames(behind)) in = behind;
+    }
+    if (in.Take(in.U8()).empty()) return {};
     std::vector<std::string> names;
     while (const auto length = in.U8()) {
         const auto name = AsText(in.Take(length));
@@ -76,7 +85,7 @@ IconResources FindIconsInNe(ByteSpan file, std::size_t header) {
     const auto table = WalkResourceTable(file, header + resources, icons, out);
     if (!table.ok) return out;
     std::vector<std::string> texts;
-    if (names != 0) texts = ReadNames(file, header, names, table.end);
+    if (names != 0) texts = ReadNames(file, header + names, table.end);
     out.hasLibraryNames = !texts.empty();
     out.groups = icons.Finish(1, texts);
     return out;

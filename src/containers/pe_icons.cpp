@@ -11,6 +11,13 @@ namespace {
 
 /// Groups of more images are not taken in mode 1.
 constexpr std::size_t kMaxGroupCount = 50;
+/// By what the directory says of itself, however many entries there are.
+bool IsTaken(ByteSpan directory) {
+    ByteReader in(directory);
+    in.Skip(2);
+    const auto type = in.U16LE(), count = in.U16LE();
+    return in.Ok() && type == 1 && count < kMaxGroupCount;
+}
 
 std::uint64_t OffsetIn(const PeImage& image, ByteSpan bytes) {
     return static_cast<std::uint64_t>(bytes.data() - image.File().data());
@@ -66,16 +73,18 @@ private:
         m_out.hasLibraryNames = AsText(table->bytes).starts_with(kNameTableStart);
     }
 
-    /// False when the images found so far ask for more memory than makes sense.
+    /// False when the images found so far ask for more than makes sense.
     bool AddGroup(const ResourceKey& key, const ResourceData& data, std::size_t position) {
         IconGroupRef icon;
         icon.id = key.named ? -1 : key.id;
         icon.language = data.language;
         if (position < m_names.size()) icon.name = m_names[position];
         if (key.named) icon.name = Utf16ToUtf8(key.name);
-        for (const auto& entry : ReadGroupDirectory(data.bytes).entries) {
+        for (const auto& entry : ReadGroupDirectory(data.bytes)) {
             const auto found = m_images.find(entry.id);
-            if (found == m_images.end()) continue;
+            const auto languages = found == m_images.end() ? 0 : found->second.size();
+            if (!m_budget.ClaimSteps(1 + languages)) return m_out.complete = false;
+            if (languages == 0) continue;
             icon.macintosh = icon.macintosh || entry.reserved == 1;
             for (const auto& candidate : found->second) {
                 IconImageRef image;
@@ -139,9 +148,7 @@ IconResources FindIconsBySection(const PeImage& image) {
             const int id = name.key.named ? -1 : name.key.id;
             for (const auto& data : name.languages) {
                 if (!isImages) {
-                    const auto directory = ReadGroupDirectory(data.bytes);
-                    const bool taken = directory.type == 1 && directory.entries.size() < kMaxGroupCount;
-                    icons.AddGroup(taken ? data.bytes : ByteSpan{}, id, data.language);
+                    icons.AddGroup(IsTaken(data.bytes) ? data.bytes : ByteSpan{}, id, data.language);
                     continue;
                 }
                 if (firstId < 0) firstId = id;

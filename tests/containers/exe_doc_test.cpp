@@ -358,6 +358,55 @@ TEST(ExeDoc, PositionsOfTheSimplerReaderCountFromTheFirstImage) {
     ASSERT_EQ(icons[0]->GetCount(), 2);
     EXPECT_EQ(icons[0]->GetIcon(1)->m_hImage, MakeIcon("", {k16}, 8)->GetIcon(0)->m_hImage) << "the third image";
     EXPECT_EQ(LoadIcons(FindIcons(builder.File()), {})[0]->GetCount(), 1) << "by number there is no 7";
+
+    // A directory of 50 images and more is passed over, by what it says of itself.
+    auto file = builder.File();
+    for (const auto& [count, groups] : {std::pair{49, 1u}, {50, 0u}, {0xFFFF, 0u}}) {
+        const auto tree = ReadResourceTree(PeImage::Parse(file).value());
+        const auto at = tree.Find(kResourceGroupIcon, 1, 0)->bytes.data() - file.data();
+        StoreU16LE(file.data() + at + 4, static_cast<std::uint16_t>(count));
+        EXPECT_EQ(FindIcons(file, false).groups.size(), groups) << count;
+    }
+}
+
+TEST(ExeDoc, ACompressedImageNeedsItsSizeInTheDirectory) {
+    CVnIcon icon;
+    ASSERT_TRUE(icon.Create(256, 256, 0, true));
+    StoreU32LE(icon.m_hImage.data(), kDibHeaderSize);
+    StoreU32LE(icon.m_hImage.data() + 4, 256);
+    StoreU32LE(icon.m_hImage.data() + 8, 512);
+    StoreU16LE(icon.m_hImage.data() + 14, 32);
+    const auto png = icon.WriteCompressed();
+    for (const bool stated : {true, false}) {
+        test::PeSpec spec;
+        ResourceTree tree;
+        GroupDirectoryEntry entry;
+        entry.bits = 32;
+        entry.bytes = stated ? static_cast<std::uint32_t>(png.size()) : 0;
+        entry.id = 1;
+        const auto directory = WriteGroupDirectory({&entry, 1});
+        tree.Set(kResourceIcon, 1, 0, png);
+        tree.Set(kResourceGroupIcon, 1, 0, directory);
+        test::AddResources(spec, tree);
+        EXPECT_EQ(FindIcons(test::BuildPe(spec)).groups.size(), stated ? 1u : 0u);
+    }
+}
+
+// One image in very many languages, none of which is an image, and a directory that names it again and again.
+TEST(ExeDoc, DirectoriesThatShareTheirImagesDoNotMultiply) {
+    ResourceTree tree;
+    const Bytes noImage(8);
+    for (int language = 0; language < 20'000; ++language)
+        tree.Set(kResourceIcon, 1, static_cast<std::uint16_t>(language), noImage);
+    GroupDirectoryEntry entry;
+    entry.id = 1;
+    const auto directory = WriteGroupDirectory(std::vector(60'000, entry));
+    tree.Set(kResourceGroupIcon, 1, 0, directory);
+    test::PeSpec spec;
+    test::AddResources(spec, tree);
+    const auto found = FindIcons(test::BuildPe(spec));
+    EXPECT_FALSE(found.complete);
+    EXPECT_LT(found.unreadIds.size(), 10'000'000u);
 }
 
 TEST(ExeView, ReplaceTakesTheFirstIconOfAFile) {

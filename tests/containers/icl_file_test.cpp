@@ -269,5 +269,50 @@ TEST(LibraryRead, DamagedFilesGiveNoIconsOrFewer) {
     }
 }
 
+TEST(LibraryRead, NamesOfAnyModuleButNotThoseOfAProgram) {
+    const TestFolder folder;
+    const auto icons = ThreeIcons();
+    WriteLibraryNe(folder / "lib", Pointers(icons));
+    auto file = ReadBytes(folder / "lib");
+    const auto names = 0x90u + LoadU16LE(file.data() + 0x90 + 0x26);
+    ASSERT_EQ(AsText(file).substr(names, 4), "\3ICL");
+    file[names + 1] = 'X';
+    EXPECT_EQ(LoadIcons(FindIcons(file), {})[0]->m_strName, "Ball") << "a library of another maker";
+    // The table of a program has a number behind each name.
+    constexpr std::string_view kProgram("\4PROG\0\0\4Ball\1\0", 14);
+    std::copy(kProgram.begin(), kProgram.end(), file.begin() + names);
+    EXPECT_EQ(LoadIcons(FindIcons(file), {})[0]->m_strName, "");
+}
+
+// Sixty thousand icons that share one directory of ten thousand images.
+TEST(LibraryRead, DirectoriesThatAreSharedDoNotMultiply) {
+    constexpr std::uint32_t kGroups = 60'000, kShift = 4, kEnd = 0x90 + 0x58 + 2 + 8 + 12 * kGroups + 2;
+    ByteWriter out;
+    out.Text("MZ");
+    out.Zeros(0x90 - out.Size());
+    out.Text("NE");
+    out.Zeros(0x56);
+    out.PatchU16LE(0x3C, 0x90);
+    out.PatchU16LE(0x90 + 0x24, 0x58);
+    out.PatchU16LE(0x90 + 0x3E, 0x0300);
+    out.U16LE(kShift);
+    out.U16LE(0x8000 | kResourceGroupIcon);
+    out.U16LE(kGroups);
+    out.U32LE(0);
+    const auto place = (kEnd >> kShift) + 1;
+    for (std::uint32_t i = 0; i < kGroups; ++i) {
+        out.U16LE(place);
+        out.U16LE(0xFFFF);
+        out.U32LE(0x80010000);
+        out.U32LE(0);
+    }
+    out.U16LE(0);
+    out.Zeros((place << kShift) - out.Size());
+    GroupDirectoryEntry entry;
+    entry.id = 1;
+    out.Raw(WriteGroupDirectory(std::vector(10'000, entry)));
+    EXPECT_TRUE(FindIcons(out.View()).groups.empty());
+}
+
 } // namespace
 } // namespace pelorin

@@ -281,6 +281,11 @@ TEST(IcnsRead, WhatIsDamagedIsLeftOutAndTheRestLoads) {
     EXPECT_EQ(FormatsIn(BuildIcns({good}, "icnv")), "none");
 }
 
+// A hundred thousand images that look for their masks.
+TEST(IcnsRead, ManyElementsCostNoMoreThanTheirBytes) {
+    EXPECT_EQ(FormatsIn(BuildIcns(Parts(100'000, {"is32", {}}))), "none");
+}
+
 TEST(IcnsRead, StreamsMustHaveTheSizeOfTheirKind) {
     Bytes streams[3];
     const int sides[] = {256, 512, 128};
@@ -457,7 +462,13 @@ TEST(IcnsWrite, AlphaImagesComeBackPixelForPixel) {
     const auto family = Written(icon);
     ASSERT_TRUE(Read(family, back));
     ASSERT_EQ(back.GetCount(), 5);
-    for (const auto& image : back.m_arrIcons) EXPECT_EQ(image->m_hImage, blocks[image->m_nWidth]) << image->m_nWidth;
+    for (const auto& image : back.m_arrIcons) {
+        const auto& block = image->m_hImage;
+        const auto& wanted = blocks[image->m_nWidth];
+        EXPECT_TRUE(
+            std::equal(block.begin() + kDibHeaderSize, block.end(), wanted.begin() + kDibHeaderSize, wanted.end()))
+            << image->m_nWidth;
+    }
     EXPECT_EQ(Written(back), family) << "and so does the family";
     for (const auto& [type, payload] : ElementsOf(family)) {
         if (type == "it32") {
