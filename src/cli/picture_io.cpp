@@ -16,9 +16,12 @@ namespace pelorin::cli {
 
 namespace {
 
-[[noreturn]] void ThrowUnreadable(int kind) {
+[[noreturn]] void ThrowUnreadable(ByteSpan file, int kind) {
     if (kind != kKindNone && !PictureFormatOfKind(kind))
         throw FileException("pictures are not read from files of this kind");
+    const auto* format = FindPictureFormat(file, kind);
+    if (format && format->matches && format->matches(file))
+        throw FileException(fmt::format("this {} file is damaged, or of a variety that is not read", format->name));
     throw FileException("it is no picture, or it is damaged");
 }
 
@@ -36,7 +39,7 @@ int FindLayer(const std::vector<std::string>& layers, const std::string& wanted)
 }
 
 DibBlock ReadLayer(ByteSpan file, int kind, PictureRequest request, const std::string& wanted, PictureFacts& facts) {
-    if (!ReadPicture(file, kind, request, facts)) ThrowUnreadable(kind);
+    if (!ReadPicture(file, kind, request, facts)) ThrowUnreadable(file, kind);
     request.layer = FindLayer(facts.layers, wanted);
     if (facts.layers.empty()) throw FileException("it has no layers");
     if (request.layer < 0)
@@ -100,7 +103,7 @@ DibBlock ReadPictureInput(Run& run, const std::string& file, const PictureInput&
     if (input.frame > 1 && ReadPicture(view.Data(), kind, request, facts)) {
         throw FileException(fmt::format("there is no frame {}, the last is {}", input.frame, facts.frames));
     }
-    ThrowUnreadable(kind);
+    ThrowUnreadable(view.Data(), kind);
 }
 
 PictureFacts ReadPictureFacts(const std::string& file) {
@@ -109,7 +112,7 @@ PictureFacts ReadPictureFacts(const std::string& file) {
     auto request = RequestOf(PictureSettings());
     request.preview = true;
     PictureFacts facts;
-    if (!ReadPicture(view.Data(), kind, request, facts)) ThrowUnreadable(kind);
+    if (!ReadPicture(view.Data(), kind, request, facts)) ThrowUnreadable(view.Data(), kind);
     return facts;
 }
 

@@ -46,11 +46,12 @@ std::optional<Bytes> UncompressVnzbHeadless(ByteSpan block, std::uint64_t limit)
     const auto room = std::min(recorded, stream.size() * kMostOutputPerByte + kSlack);
     if (room > limit) return {};
 
-    Bytes content(static_cast<std::size_t>(room));
-    auto length = static_cast<uLongf>(room);
-    std::uint8_t nothing = 0;
-    auto* target = content.empty() ? &nothing : content.data();
-    if (uncompress(target, &length, stream.data(), static_cast<uLong>(stream.size())) != Z_OK) return {};
+    // One byte more shows a stream that holds more than it should: the library lets that byte pass where there is no
+    // room at all.
+    Bytes content(static_cast<std::size_t>(room) + 1);
+    auto length = static_cast<uLongf>(content.size());
+    if (uncompress(content.data(), &length, stream.data(), static_cast<uLong>(stream.size())) != Z_OK) return {};
+    if (length > recorded) return {};
     content.resize(length);
     return content;
 }

@@ -7,7 +7,7 @@ namespace pelorin {
 
 namespace {
 
-constexpr std::size_t kHeaderBytes = 36, kMostInfoBytes = 80;
+constexpr std::size_t kHeaderBytes = 36, kMostInfoBytes = 80, kChunkHead = 8;
 constexpr std::uint32_t kIconFrames = 1;
 // Of a frame in memory.
 constexpr std::size_t kNotes = 32, kFrameSlack = 36, kSumAt = 12, kIdAt = 24, kLengthAt = 28;
@@ -35,7 +35,7 @@ void ReadTable(ByteSpan chunk, std::vector<AniStep>& steps, std::uint32_t AniSte
 }
 
 // Steps take the frames that their numbers mean at this time: a sequence behind the frames comes too late.
-bool ReadFrames(ByteReader in, AniChunks& ani) {
+bool ReadFrames(ByteReader& in, AniChunks& ani) {
     for (RiffChunk chunk; ChunkReadHeader(in, chunk);) {
         if (chunk.id != "icon") {
             ChunkSkip(in, chunk);
@@ -56,7 +56,7 @@ std::string InfoText(ByteSpan bytes) {
     return DecodeText(text.substr(0, text.find('\0')));
 }
 
-void ReadInfo(ByteReader in, AniInfo& info) {
+void ReadInfo(ByteReader& in, AniInfo& info) {
     for (RiffChunk chunk; ChunkReadHeader(in, chunk);) {
         auto* text = chunk.id == "INAM" ? &info.title : chunk.id == "IART" ? &info.artist : nullptr;
         if (text) {
@@ -68,22 +68,38 @@ void ReadInfo(ByteReader in, AniInfo& info) {
 }
 
 // False when a frame is cut off. A file has one list of frames.
-bool ReadList(ByteReader in, AniChunks& ani) {
+bool ReadList(ByteReader& in, AniChunks& ani) {
     const auto kind = AsText(in.Take(4));
     if (kind == "fram" && ani.frames.empty()) return ReadFrames(in, ani);
     if (kind == "INFO") ReadInfo(in, ani.info);
     return true;
 }
 
+// Some writers count more bytes for a list than it has: what is left of it is then too short for a chunk, and the next
+// chunk of the file begins there.
+void ReturnToNextChunk(ByteReader& in, std::size_t listEnd, const ByteReader& list) {
+    if (list.AtEnd() || list.Left() >= kChunkHead) return;
+    const auto behind = in.Pos();
+    in.Seek(listEnd - list.Left());
+    for (const std::string_view id : {"anih", "rate", "seq ", "LIST"}) {
+        if (in.StartsWith(id)) return;
+    }
+    in.Seek(behind);
+}
+
 // False for a chunk that ends the reading.
 bool ReadChunk(ByteReader& in, const RiffChunk& chunk, AniChunks& ani) {
     const auto data = in.TakeUpTo(chunk.size);
+    const auto end = in.Pos();
     (void)in.TakeUpTo(chunk.size & 1);
     if (chunk.id == "anih" && ani.header.frames == 0) return ReadHeader(data, in.Size(), ani);
     if (chunk.id == "rate") ReadTable(data, ani.steps, &AniStep::rate);
     if (chunk.id == "seq ") ReadTable(data, ani.steps, &AniStep::sequence);
     if (chunk.id != "LIST") return true;
-    return data.size() == chunk.size && ReadList(ByteReader(data), ani);
+    ByteReader list(data);
+    if (data.size() != chunk.size || !ReadList(list, ani)) return false;
+    ReturnToNextChunk(in, end, list);
+    return true;
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "icon/ani_file.h"
 
 #include "icon/ani_chunks.h"
-#include "icon/ico_file.h"
+#include "icon/frame_image.h"
 #include "icon/icon_picture32.h"
 
 #include <fmt/format.h>
@@ -10,21 +10,11 @@ namespace pelorin {
 
 namespace {
 
-// A frame lies whole in memory, so a block whose pixels are not all there is damaged; only the mask may be missing.
-// One with an unusual number of colours has no pixels in the first place.
-bool HasAllPixels(ByteSpan image) {
-    IconBlockHeader header;
-    if (!ReadIconBlockHeader(image, header)) return true;
-    const IconBlockLayout layout(header.width, header.height, header.colors, header.Alpha());
-    return layout.bits != 0 && layout.andRows <= image.size();
-}
-
-bool ReadFirstImage(ByteSpan icoFile, CVnIcon& icon) {
+// A frame lies whole in memory, so one whose pixels are not all there is damaged.
+bool ReadFirstImage(ByteSpan icoFile, FrameImage& image) {
     IcoDirectory directory;
-    if (!ReadIcoDirectory(icoFile, directory)) return false;
-    const auto& entry = directory.entries.front();
-    return entry.offset < icoFile.size() && HasAllPixels(icoFile.subspan(entry.offset)) &&
-           ReadIcoImage(icoFile, entry, icon);
+    return ReadIcoDirectory(icoFile, directory) &&
+           ReadFrameImage(icoFile, directory.entries.front(), ShortImage::Refuse, image);
 }
 
 std::int64_t PixelsOf(const CIconGroup& group) {
@@ -42,12 +32,12 @@ std::vector<AniStep> ShownSteps(const AniChunks& ani) {
 }
 
 bool AppendStep(const AniChunks& ani, const AniStep& step, std::vector<CAniObject>& list, std::int64_t& pixels) {
-    CVnIcon icon;
-    if (!ReadFirstImage(ani.FrameFile(step.frame), icon)) return false;
+    FrameImage image;
+    if (!ReadFirstImage(ani.FrameFile(step.frame), image)) return false;
     // A short file can show one large frame as often as it likes.
-    pixels += std::int64_t{icon.m_nWidth} * icon.m_nHeight;
+    pixels += std::int64_t{image.icon.m_nWidth} * image.icon.m_nHeight;
     if (pixels > kMaxPixels) return false;
-    CDIB dib(IconPicture32(icon));
+    CDIB dib(IconPicture32(image.icon));
     if (dib.Empty()) return false;
     dib.m_nFrameRate = static_cast<int>(step.rate);
     list.emplace_back(std::move(dib));
@@ -83,12 +73,12 @@ DibBlock ReadAni(ByteSpan file, const PictureRequest& request, PictureFacts& fac
         return {};
     }
     const auto& step = steps[static_cast<std::size_t>(request.frame)];
-    CVnIcon icon;
-    if (!ReadFirstImage(ani.FrameFile(step.frame), icon)) return {};
-    facts.bits = icon.ShownBitCount();
+    FrameImage image;
+    if (!ReadFirstImage(ani.FrameFile(step.frame), image)) return {};
+    facts.bits = image.bits;
     facts.frames = static_cast<int>(steps.size());
     facts.delay = static_cast<int>(step.rate);
-    return IconPicture32(icon);
+    return IconPicture32(image.icon);
 }
 
 bool VisitAniFrames(ByteSpan file, const IconVisitor& visitor) {

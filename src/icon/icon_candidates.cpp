@@ -1,7 +1,7 @@
 #include "icon/icon_candidates.h"
 
 #include "base/files.h"
-#include "icon/ico_file.h"
+#include "icon/frame_image.h"
 #include "icon/icon_picture32.h"
 #include "pixel/depth.h"
 
@@ -10,7 +10,6 @@ namespace pelorin {
 namespace {
 
 constexpr ColorRef kWhite = 0xFFFFFF;
-constexpr std::size_t kPlanesAt = 12, kBitCountAt = 14;
 
 bool ComesBehind(const CIcoCurObject& a, const CIcoCurObject& b) {
     return a.m_nWidth != b.m_nWidth ? a.m_nWidth > b.m_nWidth : a.m_nBits > b.m_nBits;
@@ -19,17 +18,23 @@ bool ComesBehind(const CIcoCurObject& a, const CIcoCurObject& b) {
 } // namespace
 
 bool ReadCandidates(ByteSpan file, std::vector<CIcoCurObject>& list) {
-    (void)ReadIcoImages(file, [&](CVnIcon&& icon) {
+    IcoDirectory directory;
+    (void)ReadIcoDirectory(file, directory);
+    std::int64_t pixels = 0;
+    for (const auto& entry : directory.entries) {
+        FrameImage image;
+        if (!ReadFrameImage(file, entry, ShortImage::Fill, image)) break;
+        pixels += std::int64_t{image.icon.m_nWidth} * image.icon.m_nHeight;
         CIcoCurObject candidate;
-        candidate.m_Dib.Attach(IconPicture32(icon));
-        if (candidate.m_Dib.Empty()) return;
-        candidate.m_nWidth = icon.m_nWidth;
-        candidate.m_nHeight = icon.m_nHeight;
-        candidate.m_nBits = LoadU16LE(&icon.m_hImage[kPlanesAt]) * LoadU16LE(&icon.m_hImage[kBitCountAt]);
+        if (pixels <= kMaxPixels) candidate.m_Dib.Attach(IconPicture32(image.icon));
+        if (candidate.m_Dib.Empty()) break;
+        candidate.m_nWidth = image.icon.m_nWidth;
+        candidate.m_nHeight = image.icon.m_nHeight;
+        candidate.m_nBits = image.bits;
         const auto place =
             std::find_if(list.begin(), list.end(), [&](const auto& other) { return ComesBehind(other, candidate); });
         list.insert(place, std::move(candidate));
-    });
+    }
     return !list.empty();
 }
 

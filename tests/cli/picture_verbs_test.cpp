@@ -85,11 +85,13 @@ TEST_F(PictureVerbs, OptionsReachTheWriters) {
 TEST_F(PictureVerbs, RefusalsSayWhy) {
     Put("a.png", 15, CreateDIB(5, 3, 8));
     (void)m_folder.File("b.png", "no picture");
+    (void)m_folder.File("c.psd", "8BPS");
     const std::pair<std::vector<std::string>, const char*> cases[] = {
         {{"convert", "a.png", "--frame", "2", "-o", "x.bmp"}, "there is no frame 2, the last is 1"},
         {{"convert", "a.png", "--layer", "sky", "-o", "x.bmp"}, "it has no layers"},
         {{"convert", "b.png", "-o", "x.bmp"}, "it is no picture, or it is damaged"},
         {{"image", "list", "b.png"}, "it is no picture, or it is damaged"},
+        {{"image", "list", "c.psd"}, "this PSD file is damaged, or of a variety that is not read"},
     };
     for (const auto& [arguments, reason] : cases) {
         const auto result = Run(arguments);

@@ -38,6 +38,9 @@ TEST(Vnzb, ARecordedSizeBelowTheContentFailsAndOneAboveIsHarmless) {
         StoreU32LE(block.data() + 4, recorded);
         EXPECT_FALSE(UncompressVnzb(block)) << recorded;
     }
+    auto one = CompressVnzb(SomeContent(1));
+    StoreU32LE(one.data() + 4, 0);
+    EXPECT_FALSE(UncompressVnzb(one)) << "also where the content is a single byte";
     StoreU32LE(block.data() + 4, 0xFFFFFFFF);
     const auto content = UncompressVnzb(block);
     ASSERT_TRUE(content) << "4 GiB are not taken for a stream of a kilobyte";

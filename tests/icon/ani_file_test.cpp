@@ -132,6 +132,45 @@ TEST(Ani, PixelsGoByAlphaOrMask) {
     EXPECT_EQ(At(list[1].m_Dib.Block(), 1, 0), 0u);
 }
 
+Argb FirstPixel(const test::IconBlockParts& parts, std::uint16_t planes, std::uint32_t entryBytes = 0) {
+    auto block = BuildIconBlock(parts);
+    StoreU16LE(&block[12], planes);
+    auto file = BuildIco({{.image = block}});
+    if (entryBytes != 0) StoreU32LE(&file[14], entryBytes);
+    std::vector<CAniObject> list;
+    if (ReadAniFile(Build({.frames = {file}, .steps = 1}), list) != 1) return 0;
+    return At(list[0].m_Dib.Block(), 0, 0);
+}
+
+// The pixels' depth is planes x bit count, and the table goes by the depth, not by the colours used.
+TEST(Ani, DepthAndTable) {
+    Bytes table(64);
+    table[4 * 5 + 2] = 200; // entry 5 is red
+    auto four = table;
+    four.insert(four.end(), {0x50, 0, 0, 0, 0, 0, 0, 0});
+    EXPECT_EQ(FirstPixel({.bits = 4, .behind = four}, 1), 0xFFC80000u);
+    EXPECT_EQ(FirstPixel({.bits = 4, .colorsUsed = 6, .behind = four}, 1), 0xFFC80000u);
+    EXPECT_EQ(FirstPixel({.bits = 1, .colorsUsed = 2, .behind = four}, 4), 0xFFC80000u);
+    EXPECT_EQ(FirstPixel({.bits = 4, .behind = four}, 0), 0xFFC80000u) << "no planes are one plane";
+    auto cut = Bytes(table.begin(), table.begin() + 24);
+    cut.insert(cut.end(), {0x50, 0, 0, 0, 0, 0, 0, 0});
+    EXPECT_EQ(FirstPixel({.bits = 4, .colorsUsed = 6, .behind = cut}, 1, 72), 0xFFC80000u)
+        << "the directory's size shows that the table is cut";
+    EXPECT_EQ(FirstPixel({.bits = 16, .behind = {0, 0xF8, 0, 0, 0, 0, 0, 0}}, 1), 0xFFF80000u);
+    EXPECT_EQ(FirstPixel({.bits = 16, .behind = {0, 0xF8, 0, 0, 0x80, 0, 0, 0}}, 1), 0u) << "masked";
+    EXPECT_EQ(FirstPixel({.bits = 2, .behind = Bytes(100)}, 1), 0u);
+}
+
+TEST(Ani, AListMayClaimTooMuch) {
+    auto file = Build({.title = "t"});
+    ASSERT_EQ(AsText(ByteSpan(file).subspan(12, 4)), "LIST");
+    StoreU32LE(&file[16], LoadU32LE(&file[16]) + 2);
+    std::vector<CAniObject> list;
+    AniInfo info;
+    EXPECT_EQ(ReadAniFile(file, list, &info), 2);
+    EXPECT_EQ(info.title, "t");
+}
+
 TEST(Ani, TextsAreCut) {
     std::vector<CAniObject> list;
     AniInfo info;
