@@ -73,11 +73,12 @@ constexpr Packing kPackings[] = {
 };
 
 // False when the file is too short for its samples, whatever they are: no memory need be taken to find that out.
-bool FileCanHold(TIFF* file, const TiffPage& page, std::size_t fileSize) {
+// A page with fewer samples of colour than of light counts as one of light alone.
+bool FileCanHold(TIFF* file, const TiffPage& page, bool plain, std::size_t fileSize) {
     std::uint16_t compression = COMPRESSION_NONE;
     TIFFGetFieldDefaulted(file, TIFFTAG_COMPRESSION, &compression);
     const auto pixels = static_cast<std::uint64_t>(page.width) * static_cast<std::uint64_t>(page.height);
-    const auto bytes = pixels * static_cast<std::uint64_t>(page.samples * page.bits) / 8;
+    const auto bytes = pixels * static_cast<std::uint64_t>((plain ? page.samples : 1) * page.bits) / 8;
     const auto* packing = std::find_if(std::begin(kPackings), std::end(kPackings),
                                        [&](const auto& row) { return row.compression == compression; });
     return packing == std::end(kPackings) || bytes / packing->ratio <= fileSize;
@@ -130,7 +131,7 @@ DibBlock ReadTiff(ByteSpan bytes, const PictureRequest& request, PictureFacts& f
 
     TiffPage page;
     const bool plain = ReadTiffTags(file.get(), page);
-    if (page.width == 0 || (plain && !FileCanHold(file.get(), page, bytes.size()))) return {};
+    if (page.width == 0 || !FileCanHold(file.get(), page, plain, bytes.size())) return {};
     ProgressScope progress(request.progress, ReadingText("TIFF"), static_cast<std::uint64_t>(page.height));
     DibBlock block;
     if (plain) {
