@@ -17,12 +17,13 @@ struct ImageOptions {
     PictureOutput output;
 };
 
-// As the operations want it: a transparent index becomes alpha, and a fourth byte that is 0 everywhere is none.
+// As the operations want it: a transparent index becomes alpha. A picture that is transparent everywhere stays so: what
+// a format's unused fourth byte means, its reader has told already.
 DibBlock ReadForChain(Run& run, const std::string& file, const PictureInput& input) {
     PictureFacts facts;
     auto block = ReadPictureInput(run, file, input, facts);
     if (DIBBitCount(block) == 8 && facts.transparentIndex >= 0) return KeyTo32(block, facts.transparentIndex);
-    return DIBBitCount(block) == 32 && !DIBHasAlpha(block) ? ConvertDIBTo24(block) : std::move(block);
+    return block;
 }
 
 void Change(Run& run, const std::string& file, const ImageOptions& options, const std::vector<NamedStep>& chain) {

@@ -36,7 +36,8 @@ void Pack(Run& run, const std::string& file, bool several) {
 
 void Unpack(Run& run, const std::string& file, bool several) {
     const auto view = FileView::Open(file);
-    const auto content = UncompressVnzb(view.Data());
+    // The person asks for the whole content, however large.
+    const auto content = UncompressVnzb(view.Data(), UINT32_MAX);
     if (!content) throw FileException("it is no VNZB block, or it is damaged");
     const auto inner = EqualsNoCase(ExtensionOf(file), kExtension) ? StemOf(file) : FileNameOf(file);
     const auto extension = EqualsNoCase(ExtensionOf(file), kExtension) ? ExtensionOf(inner) : std::string_view();

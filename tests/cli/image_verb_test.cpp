@@ -56,6 +56,15 @@ TEST_F(ImageVerb, PalettesAndFormatsWithoutAlpha) {
     EXPECT_EQ(DIBBitCount(Load("j.jpg")), 24);
 }
 
+TEST_F(ImageVerb, WhatIsTransparentEverywhereStaysSo) {
+    Bytes file;
+    ASSERT_EQ(EncodePicture(CreateDIB(3, 2, 32), 15, {}, file), 0);
+    WriteFileSafely(m_folder.Path("clear.png"), file);
+    ASSERT_EQ(Run({"clear.png", "c.png", "--resize", "2x2"}).exitCode, 0);
+    EXPECT_EQ(DIBBitCount(Load("c.png")), 32);
+    EXPECT_EQ(test::At(Load("c.png"), 0, 0), 0u);
+}
+
 TEST_F(ImageVerb, SaysWhatIsWrong) {
     struct Row {
         std::vector<std::string> arguments;

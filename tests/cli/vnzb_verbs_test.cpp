@@ -37,6 +37,17 @@ TEST_F(VnzbVerbs, ThereAndBack) {
     EXPECT_EQ(Run({"vnzb", "unpack", "a.bin.vnzb", "-o", "-"}).out, content);
 }
 
+TEST_F(VnzbVerbs, LargeContentsAreUnpacked) {
+    Bytes content(300000);
+    for (std::size_t i = 0, seed = 1; i < content.size(); ++i, seed = seed * 1103515245 + 12345)
+        content[i] = static_cast<std::uint8_t>(seed >> 16);
+    auto block = CompressVnzb(content);
+    StoreU32LE(block.data() + 4, 0x12000000); // a size that may be true
+    m_folder.File("a.vnzb", AsText(block));
+    EXPECT_EQ(Run({"vnzb", "unpack", "a.vnzb", "-o", "a.bin"}).exitCode, 0);
+    EXPECT_EQ(Get("a.bin"), content);
+}
+
 TEST_F(VnzbVerbs, ResourcesAndRefusals) {
     EXPECT_EQ(Run({"vnzb", "unpack", "--resource", "BLANKDLL", "-o", "b.dll"}).exitCode, 0);
     EXPECT_EQ(Get("b.dll").size(), 40960u);
