@@ -33,7 +33,7 @@ bool CFileExeDoc::OnOpenDocument(const std::string& path) {
         m_arrIcons = LoadIcons(found, named ? BaseName(path) : std::string(), m_pixels);
         m_nMode = found.mode;
         m_arrIds.insert(found.idTable.begin(), found.idTable.end());
-        m_arrUnreadIds = found.unreadIds;
+        m_arrUnreadIds = {found.unreadIds.begin(), found.unreadIds.end()};
         m_bComplete = found.complete;
         isProgram = PeImage::Parse(file.Data()).has_value();
         if (m_nMode == ProgramMode::Restricted) {

@@ -40,13 +40,12 @@ public:
     Update(CFileExeDoc& document, ResourceUpdate& update) : m_document(document), m_update(update) {}
 
     int DeleteOrphans() {
-        auto orphans = m_document.m_arrIds;
-        const auto keep = [&](int id) { std::erase_if(orphans, [&](const IdPair& pair) { return pair.first == id; }); };
+        auto living = m_document.m_arrUnreadIds;
         for (const auto& icon : m_document.m_arrIcons) {
-            for (const auto& image : icon->m_arrIcons) keep(image->m_nResourceId);
+            for (const auto& image : icon->m_arrIcons) living.insert(image->m_nResourceId);
         }
-        for (const int id : m_document.m_arrUnreadIds) keep(id);
-        for (const auto& [id, language] : orphans) {
+        for (const auto& [id, language] : m_document.m_arrIds) {
+            if (living.contains(id)) continue;
             if (!Put(kResourceIcon, static_cast<std::uint16_t>(id), language, {})) return kErrorImage;
         }
         return 0;

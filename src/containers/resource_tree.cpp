@@ -9,11 +9,22 @@ auto FindByKey(List& list, const Key& key) {
     return std::find_if(list.begin(), list.end(), [&](const auto& item) { return item.key == key; });
 }
 
+template <typename List>
+auto PlaceOf(List& list, const ResourceKey& key) {
+    return std::lower_bound(list.begin(), list.end(), key,
+                            [](const auto& item, const auto& k) { return item.key < k; });
+}
+
+template <typename List>
+auto FindSorted(List& list, const ResourceKey& key) {
+    const auto at = PlaceOf(list, key);
+    return at != list.end() && at->key == key ? at : list.end();
+}
+
 /// The entry of this key, put in at its sorted place when it was not there.
 template <typename List>
 auto& FindOrInsert(List& list, const ResourceKey& key) {
-    auto at =
-        std::lower_bound(list.begin(), list.end(), key, [](const auto& item, const auto& k) { return item.key < k; });
+    auto at = PlaceOf(list, key);
     if (at == list.end() || at->key != key) at = list.insert(at, typename List::value_type{key, {}, {}});
     return *at;
 }
@@ -55,14 +66,17 @@ void ResourceTree::Set(const ResourceKey& type, const ResourceKey& name, std::ui
 }
 
 bool ResourceTree::Remove(const ResourceKey& type, const ResourceKey& name, std::uint16_t language) {
-    const auto inTypes = FindByKey(types, type);
+    const auto inTypes = FindSorted(types, type);
     if (inTypes == types.end()) return false;
-    const auto inNames = FindByKey(inTypes->names, name);
+    const auto inNames = FindSorted(inTypes->names, name);
     if (inNames == inTypes->names.end()) return false;
-    const auto gone = std::erase_if(inNames->languages, [&](const auto& data) { return data.language == language; });
-    if (inNames->languages.empty()) inTypes->names.erase(inNames);
-    if (inTypes->names.empty()) types.erase(inTypes);
-    return gone != 0;
+    return std::erase_if(inNames->languages, [&](const auto& data) { return data.language == language; }) != 0;
+}
+
+// In one pass, whatever was removed: a program can have sixty thousand images.
+void ResourceTree::Prune() {
+    for (auto& type : types) std::erase_if(type.names, [](const auto& name) { return name.languages.empty(); });
+    std::erase_if(types, [](const auto& type) { return type.names.empty(); });
 }
 
 void ResourceTree::Sort() {

@@ -75,8 +75,11 @@ public:
                                            std::uint16_t language) const;
     /// Adds or replaces; the code page and stamps of what is replaced stay. The tree must be sorted.
     void Set(const ResourceKey& type, const ResourceKey& name, std::uint16_t language, ByteSpan bytes);
-    /// Takes one resource out, and the directories above it that this leaves empty. False when there was none.
+    /// Takes one resource out; `Prune` takes the directories away that this leaves empty. False when there was none.
+    /// The tree must be sorted.
     bool Remove(const ResourceKey& type, const ResourceKey& name, std::uint16_t language);
+    /// Takes empty directories out.
+    void Prune();
     /// Brings every directory into the order that loaders need.
     void Sort();
 };

@@ -49,6 +49,7 @@ bool ResourceUpdater::UpdateResource(ResourceUpdate& update, const ResourceKey& 
 
 bool ResourceUpdater::EndUpdateResource(std::unique_ptr<ResourceUpdate> update, bool discard, std::string* reason) {
     if (discard) return true;
+    update->m_tree.Prune();
     FileSplice splice(update->m_file.Data());
     const auto change = ReplaceResources(*update->m_image, update->m_tree, update->m_dropSignature, splice);
     if (change != ResourceChange::Done) {
