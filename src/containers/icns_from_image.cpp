@@ -12,13 +12,17 @@ namespace pelorin {
 namespace {
 
 constexpr Rgb kColorBits = 0xFFFFFF;
+// What a transparent pixel of 1, 4 or 8 bits counts as, whatever stands under the mask.
+constexpr Rgb kHiddenColor = 0xC0C0C0;
 
 // The planes of an icon, with alpha as such at every depth.
 struct Source {
     Surface image, mask;
     bool alpha;
 
-    [[nodiscard]] Rgb Color(int x, int y) const { return image.At(x, y) & kColorBits; }
+    [[nodiscard]] Rgb Color(int x, int y) const {
+        return alpha || Alpha(x, y) != 0 ? image.At(x, y) & kColorBits : kHiddenColor;
+    }
     [[nodiscard]] std::uint8_t Alpha(int x, int y) const {
         const auto level = static_cast<std::uint8_t>(mask.At(x, y));
         return alpha ? level : static_cast<std::uint8_t>(~level);

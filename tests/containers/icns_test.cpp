@@ -359,14 +359,16 @@ TEST(IcnsWrite, BytesOfASmallFamily) {
     wanted.U32BE(8 + 56 + 104);
     wanted.Text("icm#");
     wanted.U32BE(56);
-    wanted.U16BE(0xC000);
+    wanted.U16BE(0x8000); // the black pixel that is hidden counts as light grey
     wanted.Zeros(22);
     wanted.U16BE(0xBFFF);
     wanted.Raw(Repeat(0xFF, 22));
     wanted.Text("icm4");
     wanted.U32BE(104);
     wanted.U8(0x30);
-    wanted.Zeros(95);
+    wanted.Zeros(2);
+    wanted.U8(0x0C); // so does the white one here
+    wanted.Zeros(92);
     EXPECT_EQ(out.Take(), wanted.Take());
     ASSERT_EQ(records.size(), 3u);
     EXPECT_EQ(records[0].type, "icns");
@@ -438,7 +440,7 @@ TEST(IcnsWrite, TheFirstMaskOfASizeStays) {
         const auto elements = ElementsOf(Written(icon));
         ASSERT_EQ(elements.size(), 2u);
         EXPECT_EQ(elements[0].first, "ics#");
-        EXPECT_EQ(elements[0].second[0], 0xFF) << "the image of the pair, black throughout";
+        EXPECT_EQ(elements[0].second[0], 0xBF) << "the image of the pair, black where it is shown";
         EXPECT_EQ(elements[0].second[32], pairFirst ? 0xBF : 0xDF);
     }
     // A mask alone stands for the image too.
@@ -475,6 +477,25 @@ TEST(IcnsWrite, AlphaImagesComeBackPixelForPixel) {
             EXPECT_EQ(Bytes(payload.begin(), payload.begin() + 4), Bytes(4));
         }
     }
+}
+
+TEST(IcnsWrite, AFamilyReadAndWrittenAgainIsTheSame) {
+    CIconGroup icon, back;
+    for (const auto& [width, height] : {std::pair{16, 12}, {16, 16}, {32, 32}, {48, 48}}) {
+        for (const int bits : {1, 4, 8}) {
+            icon.Append(MakeImage(width, height, bits, [bits](const IconBlockLayout& layout, Bytes& block) {
+                unsigned seed = 7;
+                const auto noise = [&] {
+                    return static_cast<std::uint8_t>((seed = seed * 1664525 + 1013904223) >> 24);
+                };
+                if (bits > 1) std::generate(block.begin() + kDibHeaderSize, block.end(), noise);
+                std::fill(block.begin() + static_cast<int>(layout.andRows), block.end(), std::uint8_t{0x5A});
+            }));
+        }
+    }
+    const auto family = Written(icon);
+    ASSERT_TRUE(Read(family, back));
+    EXPECT_EQ(Written(back), family) << "what stands under the mask comes out the same as well";
 }
 
 TEST(IcnsWrite, AFamilyThatCouldNotBeReadAgainIsRefused) {
