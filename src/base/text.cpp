@@ -154,6 +154,35 @@ std::u16string Utf8ToUtf16(std::string_view text) {
     return out;
 }
 
+namespace {
+
+// Small letters: every `step`th character from `first` on has its capital `distance` before it.
+struct SmallLetters {
+    char16_t first, last;
+    int step, distance;
+};
+constexpr SmallLetters kSmallLetters[] = {
+    {u'a', u'z', 1, 32},     {0x00E0, 0x00F6, 1, 32}, {0x00F8, 0x00FE, 1, 32}, {0x00FF, 0x00FF, 1, -121},
+    {0x0101, 0x012F, 2, 1},  {0x0133, 0x0137, 2, 1},  {0x013A, 0x0148, 2, 1},  {0x014B, 0x0177, 2, 1},
+    {0x017A, 0x017E, 2, 1},  {0x03AC, 0x03AC, 1, 38}, {0x03AD, 0x03AF, 1, 37}, {0x03B1, 0x03C1, 1, 32},
+    {0x03C3, 0x03CB, 1, 32}, {0x03CC, 0x03CC, 1, 64}, {0x03CD, 0x03CE, 1, 63}, {0x0430, 0x044F, 1, 32},
+    {0x0450, 0x045F, 1, 80},
+};
+
+} // namespace
+
+std::string RaiseFirstLetter(std::string_view text) {
+    auto characters = Utf8ToUtf16(text.substr(0, SequenceLength(text)));
+    if (characters.empty()) return std::string(text);
+    auto& letter = characters.front();
+    for (const auto& small : kSmallLetters) {
+        if (letter < small.first || letter > small.last || (letter - small.first) % small.step != 0) continue;
+        letter = static_cast<char16_t>(letter - small.distance);
+        break;
+    }
+    return Utf16ToUtf8(characters).append(text.substr(SequenceLength(text)));
+}
+
 void AppendUtf8(std::string& out, char32_t c) {
     const auto put = [&](char32_t byte) { out.push_back(static_cast<char>(byte)); };
     if (c < 0x80) {

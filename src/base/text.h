@@ -36,6 +36,9 @@ void AppendUtf8(std::string& out, char32_t codePoint);
 /// The whole characters of `text` that fit into `maxBytes`.
 [[nodiscard]] std::string_view ClipUtf8(std::string_view text, std::size_t maxBytes);
 
+/// The first letter turned to upper case, in the Latin, Greek and Cyrillic alphabets.
+[[nodiscard]] std::string RaiseFirstLetter(std::string_view text);
+
 /// Edits that turn `a` into `b` (one character added, taken away or changed, or two neighbours swapped), letters
 /// compared without case.
 [[nodiscard]] std::size_t EditDistance(std::string_view a, std::string_view b);

@@ -125,7 +125,7 @@ bool CFileExeDoc::AddIcon(const CIconGroup& icon, int id, int language, const st
     auto fresh = std::make_unique<CIconGroup>(icon);
     for (auto& image : fresh->m_arrIcons) image->m_nResourceId = image->m_nLanguage = -1;
     fresh->m_nResourceId = name.empty() ? id : -1;
-    fresh->m_strName = name;
+    fresh->m_strName = ToUpper(name);
     fresh->m_nLanguage = language;
     fresh->m_bChanged = true;
     const auto key = GroupKey(*fresh);

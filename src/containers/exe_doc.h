@@ -34,7 +34,8 @@ public:
     bool ReplaceIcon(int index, const CIconGroup& icon);
     /// Takes icons out in full mode; false in all others.
     bool RemoveIcons(const std::vector<int>& positions);
-    /// A new icon under a number or, where `name` is not empty, under that name. False outside full mode.
+    /// A new icon under a number or, where `name` is not empty, under that name in capitals, the only ones that loaders
+    /// look for. False outside full mode.
     bool AddIcon(const CIconGroup& icon, int id, int language, const std::string& name = {});
     /// The smallest number that no group has.
     [[nodiscard]] int FreeGroupId() const;

@@ -47,8 +47,7 @@ IconGroups LoadIconsOf(const std::string& path) {
 
 IconGroups ImportIcons(const std::string& path) {
     auto icons = LoadIconsOf(path);
-    std::string base(StemOf(path));
-    if (!base.empty()) base[0] = AsciiUpper(base[0]);
+    const auto base = RaiseFirstLetter(StemOf(path));
     for (std::size_t i = 0; i < icons.size(); ++i) {
         auto& name = icons[i]->m_strName;
         if (!name.empty()) continue;

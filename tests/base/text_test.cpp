@@ -49,6 +49,35 @@ TEST(Text, CaseFoldsAsciiOnly) {
     EXPECT_FALSE(StartsWithNoCase("ic", "icon"));
 }
 
+TEST(Text, RaisesTheFirstLetterOfSeveralAlphabets) {
+    const struct {
+        std::string_view text, raised;
+    } rows[] = {{"", ""},
+                {"ball x", "Ball x"},
+                {"Ball", "Ball"},
+                {"1a", "1a"},
+                {"éa", "Éa"},
+                {"÷", "÷"},
+                {"ÿ", "Ÿ"},
+                {"œuf", "Œuf"},
+                {"šat", "Šat"},
+                {"žena", "Žena"},
+                {"Ša", "Ša"},
+                {"łó", "Łó"},
+                {"ωmega", "Ωmega"},
+                {"άλφα", "Άλφα"},
+                {"икона", "Икона"},
+                {"ёж", "Ёж"},
+                {"日本", "日本"},
+                {"\xFF"
+                 "a",
+                 "\xFF"
+                 "a"},
+                {"😀a", "😀a"},
+                {"ß", "ß"}};
+    for (const auto& row : rows) EXPECT_EQ(RaiseFirstLetter(row.text), row.raised);
+}
+
 TEST(Text, PiecesOfText) {
     EXPECT_EQ(Trim(" \t a b\r\n"), "a b");
     EXPECT_EQ(Trim(" \n"), "");
