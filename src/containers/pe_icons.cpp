@@ -67,10 +67,12 @@ public:
 
 private:
     void ReadLibraryNames() {
-        const auto* table = m_tree.Find(kResourceLibraryNames, 1, 0);
-        if (!table) return;
-        m_names = ReadNameTable(table->bytes);
-        m_out.hasLibraryNames = AsText(table->bytes).starts_with(kNameTableStart);
+        const auto* type = m_tree.Find(kResourceLibraryNames);
+        const auto* name = type ? type->Find(1) : nullptr;
+        if (!name) return;
+        const auto table = name->languages.front().bytes; // in whatever language
+        m_names = ReadNameTable(table);
+        m_out.hasLibraryNames = AsText(table).starts_with(kNameTableStart);
     }
 
     /// False when the images found so far ask for more than makes sense.
