@@ -104,6 +104,8 @@ void ForgetUnfinished(const std::string& path) {
 // Follows links, so that a save through a link changes the file that the link means.
 std::string FinalTarget(std::string_view path) {
     const auto wanted = SystemPath(path);
+    struct stat info;
+    if (lstat(wanted.c_str(), &info) != 0 || !S_ISLNK(info.st_mode)) return wanted;
     if (char* resolved = realpath(wanted.c_str(), nullptr)) {
         std::string out(resolved);
         std::free(resolved);
@@ -112,9 +114,13 @@ std::string FinalTarget(std::string_view path) {
     return wanted;
 }
 
+// The mask can only be read by setting it, which two threads must not do at once.
 mode_t ModeForNewFiles() {
-    const mode_t mask = umask(0);
-    umask(mask);
+    static const mode_t mask = [] {
+        const mode_t set = umask(0);
+        umask(set);
+        return set;
+    }();
     return 0666 & ~mask;
 }
 
@@ -192,6 +198,7 @@ std::string CurrentFolder() {
 
 bool CreateFolders(std::string_view path) {
     const auto whole = SystemPath(path);
+    if (FolderExists(whole)) return true;
     for (std::size_t at = 0; at != std::string::npos;) {
         at = whole.find('/', at + 1);
         const auto part = whole.substr(0, at);
@@ -339,15 +346,21 @@ void SafeFile::Commit() {
     Flush();
     // The bytes must be on the disk before the name is: a crash in between must not leave an empty file in place of the
     // old one. A new file has nothing to lose.
-    if (FileExists(m_target) && fdatasync(m_descriptor) != 0 && errno != EINVAL) Throw(errno);
+    if (m_existing == Existing::Replace && FileExists(m_target) && fdatasync(m_descriptor) != 0 && errno != EINVAL)
+        Throw(errno);
     const int closed = close(std::exchange(m_descriptor, -1));
     if (closed != 0) Throw(errno);
     if (m_existing == Existing::Keep) {
-        // A hard link refuses an existing name in one step; file systems without links get the check alone.
-        if (link(m_temporary.c_str(), m_target.c_str()) == 0) return;
+        // File systems that cannot refuse an existing name get the check alone.
+        if (renameat2(AT_FDCWD, m_temporary.c_str(), AT_FDCWD, m_target.c_str(), RENAME_NOREPLACE) == 0) return Done();
         if (errno == EEXIST) throw FileException("the file exists already");
+        if (FileExists(m_target)) throw FileException("the file exists already");
     }
     if (rename(m_temporary.c_str(), m_target.c_str()) != 0) Throw(errno);
+    Done();
+}
+
+void SafeFile::Done() {
     ForgetUnfinished(m_temporary);
     m_temporary.clear();
 }

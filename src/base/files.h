@@ -107,6 +107,7 @@ public:
 
 private:
     void Flush();
+    void Done();
 
     std::string m_target;
     std::string m_temporary;

@@ -9,11 +9,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <new>
 
 namespace pelorin::cli {
 
 namespace {
 
+/// Pictures up to this size compress well without filters.
+constexpr int kSmallSide = 64;
 constexpr const char* kNothing = "nothing in it is what was asked for";
 
 struct ExtractOptions {
@@ -47,8 +50,9 @@ bool EncodeImage(const CVnIcon& icon, const PictureSaver& saver, Bytes& file) {
     const auto picture = IconBlockPicture(icon.m_hImage);
     if (!picture) return false;
     const auto converted = AtDepthFor(saver, picture, settings.background);
-    return EncodePicture(converted ? converted : picture, saver.kind, SaveOptionsOf(settings), file) == 0 &&
-           !file.empty();
+    auto options = SaveOptionsOf(settings);
+    if (icon.m_nWidth <= kSmallSide && icon.m_nHeight <= kSmallSide) options.png = PngEffort::Small;
+    return EncodePicture(converted ? converted : picture, saver.kind, options, file) == 0 && !file.empty();
 }
 
 class Extraction {
@@ -113,29 +117,44 @@ private:
     void TakeImages(const LazyIcon& icon, const PictureSaver& saver, int number) {
         struct Image {
             std::size_t index;
-            IconFormat format;
-            Bytes file;
+            std::string name, path, failure;
         };
         std::vector<Image> images;
         const auto formats = icon.Outline().formats;
         for (std::size_t i = 0; i < formats.size(); ++i) {
-            if (Wanted(formats[i].format)) images.push_back({i, formats[i].format, {}});
+            const auto& format = formats[i].format;
+            if (!Wanted(format)) continue;
+            images.push_back({i, fmt::format("{}_{}x{}x{}", number, format.width, format.height, format.bits), {}, {}});
+        }
+        const bool several = m_options.files.size() > 1 || images.size() > 1 || !m_options.index;
+        for (auto& image : images) {
+            image.path = OutputPath(m_run, m_input, "_" + image.name, saver.extension, several);
         }
         ParallelFor(images.size(), m_run.Options().jobs, [&](std::size_t i) {
             auto& image = images[i];
-            const auto png = saver.kind == kKindPng ? icon.PngFile(image.index) : ByteSpan{};
-            image.file.assign(png.begin(), png.end());
-            CVnIcon loaded;
-            if (!image.file.empty() || !icon.LoadFormat(image.index, loaded)) return;
-            if (!EncodeImage(loaded, saver, image.file)) image.file.clear();
+            try {
+                TakeImage(icon, image.index, saver, image.path);
+            } catch (const FileException& error) {
+                image.failure = error.what();
+            } catch (const std::bad_alloc&) {
+                image.failure = "not enough memory";
+            }
         });
-        const bool several = m_options.files.size() > 1 || images.size() > 1 || !m_options.index;
         for (const auto& image : images) {
-            const auto suffix =
-                fmt::format("_{}_{}x{}x{}", number, image.format.width, image.format.height, image.format.bits);
-            if (image.file.empty()) throw FileException("the image " + suffix.substr(1) + " cannot be made");
-            WriteFile(suffix, saver.extension, image.file, several);
+            if (!image.failure.empty()) throw FileException("image " + image.name + ": " + image.failure);
+            Written(image.path);
         }
+    }
+
+    void TakeImage(const LazyIcon& icon, std::size_t index, const PictureSaver& saver, const std::string& path) {
+        const auto png = saver.kind == kKindPng ? icon.PngFile(index) : ByteSpan{};
+        if (!png.empty()) return WriteOutput(m_run, path, png);
+        CVnIcon loaded;
+        Bytes file;
+        if (!icon.LoadFormat(index, loaded) || !EncodeImage(loaded, saver, file)) {
+            throw FileException("it cannot be made");
+        }
+        WriteOutput(m_run, path, file);
     }
 
     [[nodiscard]] bool Wanted(const IconFormat& format) const {
@@ -197,6 +216,10 @@ private:
 
     void WriteTo(const std::string& path, ByteSpan file) {
         WriteOutput(m_run, path, file);
+        Written(path);
+    }
+
+    void Written(const std::string& path) {
         ++m_written;
         if (!m_run.Options().dryRun && path != "-") m_run.Note(Printable(path));
     }

@@ -28,6 +28,13 @@ struct GifSaveOptions {
     int transparentIndex = -1;
 };
 
+/// How much time a PNG file takes to be made, and how well it fits the picture.
+enum class PngEffort {
+    Usual,    ///< every row with the filter that suits it best
+    Smallest, ///< the time to find the smallest file, for icons, which are read more often than written
+    Small,    ///< rows as they are: quicker, and smaller too where a small picture has flat areas and hard edges
+};
+
 struct PictureSaveOptions {
     int jpegQuality = 80;
     GifSaveOptions gif{};
@@ -35,8 +42,7 @@ struct PictureSaveOptions {
     double jp2Rate = 0;
     /// An 8-bpp block becomes one grey JPEG 2000 component whose samples are the indices.
     bool jp2Gray = false;
-    /// PNG: take the time to find the smallest file (for icons, which are read more often than written).
-    bool pngSmallest = false;
+    PngEffort png = PngEffort::Usual;
     /// Extension of the file that is written, without the dot; set by the dispatcher. JPEG 2000 asks for it.
     std::string_view extension{};
     Progress* progress = nullptr;

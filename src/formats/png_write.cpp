@@ -78,7 +78,16 @@ bool IsPngDepth(int bits) {
     return bits == 1 || bits == 4 || bits == 8 || bits == 24 || bits == 32;
 }
 
-constexpr int kBestLevel = 9;
+void SetEffort(png_structp png, PngEffort effort, int bits) {
+    constexpr int kBestLevel = 9, kQuickLevel = 5;
+    if (effort == PngEffort::Smallest) {
+        png_set_compression_level(png, kBestLevel);
+        if (bits > 8) png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_ALL_FILTERS);
+    } else if (effort == PngEffort::Small) {
+        png_set_compression_level(png, kQuickLevel);
+        png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
+    }
+}
 
 } // namespace
 
@@ -89,10 +98,7 @@ int WritePng(const DibBlock& block, const PictureSaveOptions& options, Bytes& ou
     ProgressScope progress(options.progress, LoadText(str::kWritingPng), static_cast<std::uint64_t>(view.Height()));
     auto* const png = session.Png();
     const bool good = PngGuarded(png, [&] {
-        if (options.pngSmallest) {
-            png_set_compression_level(png, kBestLevel);
-            if (view.BitCount() > 8) png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_ALL_FILTERS);
-        }
+        SetEffort(png, options.png, view.BitCount());
         WriteHeader(png, session.Info(), view);
         for (int y = 0; y < view.Height(); ++y) {
             png_write_row(png, view.PictureRow(y));

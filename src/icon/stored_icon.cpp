@@ -91,7 +91,7 @@ bool CVnIcon::ReadFromMemory(ByteSpan data, std::uint32_t bytes, int bits) {
 Bytes CVnIcon::WriteCompressed() {
     Bytes file;
     PictureSaveOptions options;
-    options.pngSmallest = true;
+    options.png = PngEffort::Smallest;
     if (WritePng(IconBlockToDIB32(m_hImage), options, file) != 0) file.clear();
     return file;
 }

@@ -3,6 +3,7 @@
 #include "containers/program_file.h"
 #include "core/services.h"
 #include "core/user_prompt.h"
+#include "formats/png.h"
 #include "support/icon_builder.h"
 #include "support/pe_builder.h"
 #include "support/run_program.h"
@@ -70,6 +71,14 @@ TEST_F(ContainerVerbs, ALibraryFromItsCreationToItsIcons) {
         EXPECT_THAT(IconNames(lib), ElementsAre("Ball"));
         EXPECT_EQ(Run({"library", "extract", lib, "-o", form + "/"}).exitCode, 0);
         EXPECT_EQ(Get(form + "/Ball.ico"), Get("ball.ico"));
+        // Single images come out on all cores, and are told in the order of the file.
+        ASSERT_EQ(Run({"library", "add", lib, "cube.ico", "--in-place"}).exitCode, 0);
+        ran = Run({"extract", lib, "--as", "png", "-o", form + "/"});
+        const auto start = form + "/" + form;
+        EXPECT_EQ(ran.out, start + "_1_16x16x4.png\n" + start + "_1_32x32x32.png\n" + start + "_2_32x32x32.png\n");
+        EXPECT_EQ(DIBBitCount(ReadPng(Get(start + "_2_32x32x32.png"))), 32);
+        ran = Run({"extract", lib, "--as", "png", "-o", form + "/", "--index", "1"});
+        EXPECT_THAT(ran.out, HasSubstr("_1_16x16x4 (2).png")) << "what is there stays";
     }
     EXPECT_THAT(Run({"library", "remove", "pe.icl", "nobody"}).err, HasSubstr("there is no icon called \"nobody\""));
     EXPECT_EQ(Run({"library", "list", "ball.ico"}).exitCode, 0);

@@ -174,10 +174,15 @@ TEST(PngWrite, HeaderPaletteAndRoundTripByDepth) {
         if (c.bits == 24) {
             EXPECT_THAT(chunks[1].data, ElementsAre(8, 8, 8));
         }
-        const auto back = ReadPng(file);
-        ASSERT_EQ(DIBBitCount(back), c.bits);
-        for (int y = 0; y < 3; ++y) {
-            for (int x = 0; x < 5; ++x) EXPECT_EQ(At(back, x, y), At(block, x, y));
+        for (const auto effort : {PngEffort::Usual, PngEffort::Smallest, PngEffort::Small}) {
+            PictureSaveOptions options;
+            options.png = effort;
+            ASSERT_EQ(WritePng(block, options, file), 0);
+            const auto back = ReadPng(file);
+            ASSERT_EQ(DIBBitCount(back), c.bits);
+            for (int y = 0; y < 3; ++y) {
+                for (int x = 0; x < 5; ++x) EXPECT_EQ(At(back, x, y), At(block, x, y));
+            }
         }
     }
 }
