@@ -3,6 +3,7 @@
 #include "app/picture_settings.h"
 #include "containers/exe_doc.h"
 #include "containers/icl_doc.h"
+#include "core/settings.h"
 #include "formats/image_doc.h"
 #include "icon/icon_doc.h"
 
@@ -12,6 +13,12 @@ namespace {
 
 std::unique_ptr<CDocument> NewPicture(Services& services) {
     return std::make_unique<CDibDoc>(services, PictureSettings(), nullptr);
+}
+
+std::unique_ptr<CDocument> NewProgram(Services& services) {
+    auto program = std::make_unique<CFileExeDoc>(services);
+    program->m_pWarnOverwrite = &g_bWarnOverwriteProgram;
+    return program;
 }
 
 template <class Document>
@@ -32,7 +39,7 @@ constexpr TemplateRow kTemplates[kDocKindCount] = {
     {DocKind::Explorer, nullptr},
     {DocKind::Browser, nullptr},
     {DocKind::Search, nullptr},
-    {DocKind::Program, New<CFileExeDoc>},
+    {DocKind::Program, NewProgram},
     {DocKind::Image, NewPicture},
     {DocKind::ImageObject, New<CImageDoc>},
 };

@@ -107,6 +107,10 @@ bool IsValidUtf8(std::string_view text) {
     return true;
 }
 
+std::string Counted(std::uint64_t count, std::string_view one) {
+    return std::to_string(count).append(" ").append(one).append(count == 1 ? "" : "s");
+}
+
 std::string Windows1252ToUtf8(std::string_view text) {
     std::string out;
     for (const char c : text) {

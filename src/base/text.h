@@ -23,6 +23,8 @@ namespace pelorin {
 /// The parts between the separators; an empty text has one empty part.
 [[nodiscard]] std::vector<std::string> Split(std::string_view text, char separator);
 [[nodiscard]] std::string ReplaceAll(std::string text, std::string_view what, std::string_view with);
+/// "1 icon", "3 icons".
+[[nodiscard]] std::string Counted(std::uint64_t count, std::string_view one);
 
 [[nodiscard]] bool IsValidUtf8(std::string_view text);
 [[nodiscard]] std::string Windows1252ToUtf8(std::string_view text);

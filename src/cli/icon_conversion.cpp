@@ -144,7 +144,8 @@ void ToLibrary(Run& run, const std::vector<std::string>& files, const std::vecto
     const auto& path = run.Options().output;
     run.Attempt(path, [&] {
         if (!SaveDocument(run, library, prompt, path)) return;
-        run.Note(fmt::format("{}  {} icons, {}", Printable(path), library.GetCount(), BytesText(FileSize(path))));
+        run.Note(
+            fmt::format("{}  {}, {}", Printable(path), Counted(library.GetCount(), "icon"), BytesText(FileSize(path))));
     });
 }
 
@@ -162,7 +163,8 @@ void ToArchive(Run& run, const std::vector<std::string>& files) {
         if (bytes.empty()) throw FileException("the files hold nothing for an archive");
         WriteOutput(run, path, bytes);
         if (!run.Options().dryRun)
-            run.Note(fmt::format("{}  {} files, {}", Printable(path), entries.size(), BytesText(bytes.size())));
+            run.Note(
+                fmt::format("{}  {}, {}", Printable(path), Counted(entries.size(), "file"), BytesText(bytes.size())));
     });
 }
 

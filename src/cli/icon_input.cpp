@@ -1,5 +1,6 @@
 #include "cli/icon_input.h"
 
+#include "base/text.h"
 #include "icon/icon_format.h"
 
 #include <fmt/format.h>
@@ -104,7 +105,7 @@ std::vector<CVnIcon*> IconsForDisplay(CIconGroup& group) {
 }
 
 std::string SizeTextOf(const IconOutline& icon) {
-    return icon.formats.size() == 1 ? "(1 format)" : fmt::format("({} formats)", icon.formats.size());
+    return "(" + Counted(icon.formats.size(), "format") + ")";
 }
 
 } // namespace pelorin::cli

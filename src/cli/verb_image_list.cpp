@@ -1,3 +1,4 @@
+#include "base/text.h"
 #include "cli/json_writer.h"
 #include "cli/picture_io.h"
 #include "cli/text_table.h"
@@ -35,19 +36,15 @@ void ListAsJson(Run& run, const std::vector<std::string>& files) {
     run.Print(json.Take());
 }
 
-std::string Counted(std::size_t count, const char* one, const char* many) {
-    return fmt::format("{} {}", count, count == 1 ? one : many);
-}
-
 void ListAsText(Run& run, const std::vector<std::string>& files) {
     TextTable table("llrrl");
     run.ForEach(files, [&](const std::string& file) {
         const auto facts = ReadPictureFacts(file);
         std::string parts;
-        if (facts.frames > 1) parts = Counted(static_cast<std::size_t>(facts.frames), "frame", "frames");
+        if (facts.frames > 1) parts = Counted(facts.frames, "frame");
         if (!facts.layers.empty()) {
             if (!parts.empty()) parts += ", ";
-            parts += Counted(facts.layers.size(), "layer", "layers") + ":";
+            parts += Counted(facts.layers.size(), "layer") + ":";
             for (const auto& layer : facts.layers) parts += fmt::format(" \"{}\"", Printable(layer));
         }
         table.Row({Printable(file), std::string(facts.format), fmt::format("{}x{}", facts.width, facts.height),

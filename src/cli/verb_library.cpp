@@ -86,7 +86,8 @@ public:
 
     void SaveTo(const std::string& path) {
         if (!SaveDocument(m_run, document, m_prompt, path)) return;
-        m_run.Note(fmt::format("{}  {} icons, {}", Printable(path), document.GetCount(), BytesText(FileSize(path))));
+        m_run.Note(fmt::format("{}  {}, {}", Printable(path), Counted(document.GetCount(), "icon"),
+                               BytesText(FileSize(path))));
     }
 
 private:

@@ -1,3 +1,4 @@
+#include "base/text.h"
 #include "cli/document_output.h"
 #include "cli/icon_choice.h"
 #include "cli/json_writer.h"
@@ -62,7 +63,6 @@ public:
         m_services.prompt = &m_prompt;
         m_services.progress = run.GetProgress();
         m_prompt.NameOption(str::kAskDropSignature, "--drop-signature");
-        document.m_bWarnOverwriteProgram = false;
         document.m_bMayBeEmpty = mayBeEmpty;
         document.m_pixels = Pixels::None;
         document.m_bDropSignature = options.dropSignature;
@@ -206,8 +206,8 @@ void ReplaceIn(Run& run, const ProgramOptions& options) {
         const int before = input.document.GetIcon(index)->GetCount();
         if (!input.document.ReplaceIcon(index, *icons.front())) throw input.Refusal();
         if (!what.empty()) what += ", ";
-        what += fmt::format("icon {} \"{}\": {} formats in, {} out", index + 1, input.document.CellName(index),
-                            icons.front()->GetCount(), before);
+        what += fmt::format("icon {} \"{}\": {} in, {} out", index + 1, input.document.CellName(index),
+                            Counted(icons.front()->GetCount(), "format"), before);
     }
     input.Save(what);
 }
@@ -231,14 +231,14 @@ void AddTo(Run& run, const ProgramOptions& options) {
             if (!document.AddIcon(*icon, id, options.language.value_or(0), options.name)) throw input.Refusal();
         }
     }
-    input.Save(fmt::format("{} icons added", added));
+    input.Save(Counted(added, "icon") + " added");
 }
 
 void RemoveFrom(Run& run, const ProgramOptions& options) {
     ProgramInput input(run, options);
     const auto chosen = ChooseIcons(LabelsOf(input.document), options.rest, options.language);
     if (!input.document.RemoveIcons(chosen)) throw input.Refusal();
-    input.Save(fmt::format("{} icons removed, {} left", chosen.size(), input.document.GetCount()));
+    input.Save(fmt::format("{} removed, {} left", Counted(chosen.size(), "icon"), input.document.GetCount()));
 }
 
 /// Icons of the same number or name and language are replaced, all others are added.
@@ -264,7 +264,7 @@ void CopyIcons(Run& run, const ProgramOptions& options) {
         if (!done) throw input.Refusal();
         ++(there ? replaced : added);
     }
-    input.Save(fmt::format("{} icons replaced, {} added", replaced, added));
+    input.Save(fmt::format("{} replaced, {} added", Counted(replaced, "icon"), added));
 }
 
 /// The verbs work on one program file each.

@@ -1,5 +1,6 @@
 #include "containers/container_sources.h"
 
+#include "base/text.h"
 #include "containers/pe_resources.h"
 #include "containers/program_file.h"
 
@@ -76,7 +77,7 @@ void Inspect(ByteSpan file, IconFileReport& report) {
     fact("library_names", found.hasLibraryNames ? "yes" : "no");
     if (!found.complete) report.oddities.emplace_back("the images ask for more memory than the file could account for");
     if (!found.unreadIds.empty()) {
-        report.oddities.push_back(fmt::format("{} images that icons name cannot be read", found.unreadIds.size()));
+        report.oddities.push_back("icons name " + Counted(found.unreadIds.size(), "image") + " that cannot be read");
     }
     if (!image) return;
     fact("extra_bytes", std::to_string(FindExtraData(*image).size()));

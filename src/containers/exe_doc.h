@@ -47,7 +47,8 @@ public:
     Pixels m_pixels = Pixels::All;
     bool m_bMayBeEmpty = false; ///< a file without icons is opened as well, to add the first
     bool m_bCanUpdate = true;   ///< false: a system that cannot update resources
-    bool m_bWarnOverwriteProgram = true;
+    /// The setting by which a save over the file itself is asked about first; the person can turn it off. Null: never.
+    bool* m_pWarnOverwrite = nullptr;
     bool m_bDropSignature = false;         ///< set by the caller, or by the person's answer
     std::string m_strReason;               ///< why the last save failed, where the system told
     ResourceUpdater* m_pUpdater = nullptr; ///< null: the document's own

@@ -130,9 +130,9 @@ bool CFileExeDoc::Fail(const std::string& path, const std::string& suffix) {
 
 bool CFileExeDoc::AskBeforeSave(const std::string& source, bool overItself) {
     auto& prompt = *GetServices().prompt;
-    if (overItself && m_bWarnOverwriteProgram &&
-        prompt.Ask(PromptButtons::YesNo, str::kAskOverwriteProgram, source) != PromptAnswer::Yes) {
-        return false;
+    if (overItself && m_pWarnOverwrite && *m_pWarnOverwrite) {
+        const auto answer = prompt.AskWhile(*m_pWarnOverwrite, PromptButtons::YesNo, str::kAskOverwriteProgram, source);
+        if (answer != PromptAnswer::Yes) return false;
     }
     if (m_bDropSignature || (m_nMode != ProgramMode::Full && m_nMode != ProgramMode::Restricted)) return true;
     bool isSigned = false;

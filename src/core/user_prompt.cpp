@@ -5,10 +5,10 @@ namespace pelorin {
 // Only a bar of the text itself parts it: one in a file's name is part of the name.
 Prompt UserPrompt::Make(int number, std::string message, PromptIcon icon, PromptButtons buttons) {
     if (LoadText(number).find('|') == std::string::npos) {
-        return {number, LoadText(str::kProgramName), std::move(message), icon, buttons};
+        return {number, LoadText(str::kProgramName), std::move(message), icon, buttons, nullptr};
     }
     auto [title, text] = SplitAtBar(message);
-    return {number, std::move(title), std::move(text), icon, buttons};
+    return {number, std::move(title), std::move(text), icon, buttons, nullptr};
 }
 
 PromptAnswer HarmlessAnswer(PromptButtons buttons) {
@@ -24,6 +24,7 @@ PromptAnswer HarmlessAnswer(PromptButtons buttons) {
 
 PromptAnswer ScriptedPrompt::Show(const Prompt& prompt) {
     m_shown.push_back(prompt);
+    if (prompt.keepAsking && m_setChecks) *prompt.keepAsking = false;
     if (prompt.buttons == PromptButtons::Ok) return PromptAnswer::Ok;
     return m_nextAnswer < m_answers.size() ? m_answers[m_nextAnswer++] : HarmlessAnswer(prompt.buttons);
 }

@@ -21,6 +21,8 @@ struct Prompt {
     std::string text;
     PromptIcon icon;
     PromptButtons buttons;
+    /// Where given, the box has a check "do not prompt", and a person who sets it turns this off.
+    bool* keepAsking = nullptr;
 };
 
 class UserPrompt {
@@ -36,6 +38,13 @@ public:
     template <class... Args>
     [[nodiscard]] PromptAnswer Ask(PromptButtons buttons, int number, const Args&... args) {
         return Show(Make(number, FormatText(number, args...), PromptIcon::Question, buttons));
+    }
+    /// The same with a check that turns `keepAsking` off, the setting by which this is asked at all.
+    template <class... Args>
+    [[nodiscard]] PromptAnswer AskWhile(bool& keepAsking, PromptButtons buttons, int number, const Args&... args) {
+        auto prompt = Make(number, FormatText(number, args...), PromptIcon::Question, buttons);
+        prompt.keepAsking = &keepAsking;
+        return Show(prompt);
     }
     /// A text that was put together by the caller, base message and suffix; `number` is that of the base message.
     [[nodiscard]] PromptAnswer ShowText(int number, std::string text, PromptIcon icon, PromptButtons buttons) {
@@ -56,6 +65,8 @@ public:
     ScriptedPrompt(std::initializer_list<PromptAnswer> answers = {}) : m_answers(answers) {}
 
     void Answer(PromptAnswer answer) { m_answers.push_back(answer); }
+    /// From now on the checks "do not prompt" are set.
+    void SetChecks() { m_setChecks = true; }
     [[nodiscard]] const std::vector<Prompt>& Shown() const { return m_shown; }
     /// The texts shown since the last call, "title|text" each.
     [[nodiscard]] std::vector<std::string> TakeTexts();
@@ -67,6 +78,7 @@ private:
     std::vector<PromptAnswer> m_answers;
     std::vector<Prompt> m_shown;
     std::size_t m_nextAnswer = 0, m_taken = 0;
+    bool m_setChecks = false;
 };
 
 /// The answer that changes nothing.

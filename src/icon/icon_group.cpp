@@ -1,5 +1,6 @@
 #include "icon/icon_group.h"
 
+#include "base/text.h"
 #include "core/strings.h"
 #include "icon/format_order.h"
 
@@ -123,7 +124,7 @@ int CIconGroup::FindBestValues(int size, int depthValue) const {
 }
 
 std::string CIconGroup::GetSizeText(std::optional<int> number) const {
-    const auto formats = GetCount() == 1 ? std::string("1 format") : fmt::format("{} formats", GetCount());
+    const auto formats = Counted(GetCount(), "format");
     return number ? fmt::format("(#{}, {})", *number, formats) : "(" + formats + ")";
 }
 

@@ -1,10 +1,13 @@
 #include "app/doc_templates.h"
 #include "app/open_report.h"
 #include "app/system_hooks.h"
+#include "containers/exe_doc.h"
 #include "containers/icl_doc.h"
+#include "containers/icl_file.h"
+#include "core/settings.h"
 #include "core/user_prompt.h"
 #include "icon/icon_doc.h"
-#include "support/temp_folder.h"
+#include "support/icon_builder.h"
 
 #include <gtest/gtest.h>
 
@@ -79,6 +82,31 @@ TEST(DocTemplates, StandInTheOrderOfTheirKinds) {
     }
     EXPECT_EQ(ids, "101 113 104 110 112 111 105 109 114 ");
     EXPECT_EQ(with, "123789");
+}
+
+TEST(DocTemplates, AProgramIsSavedOverItselfAsTheSettingSays) {
+    const test::TestFolder folder;
+    const auto path = folder.Path("lib.dll");
+    const auto icon = test::MakeIcon("", {{16, 16, 4}});
+    ResourceUpdater updater;
+    ASSERT_EQ(WriteLibraryPe(path, std::array{icon.get()}, updater), LibraryError::None);
+    ScriptedPrompt prompt;
+    Services services;
+    services.prompt = &prompt;
+    CPelorinApp app(services, {});
+    RegisterDocTemplates(app);
+    auto* program = dynamic_cast<CFileExeDoc*>(app.OpenDocumentFile(path));
+    ASSERT_NE(program, nullptr);
+    g_bWarnOverwriteProgram = true;
+    EXPECT_FALSE(program->OnSaveDocument(path)) << "the harmless answer";
+    prompt.SetChecks();
+    prompt.Answer(PromptAnswer::Yes);
+    EXPECT_TRUE(program->OnSaveDocument(path));
+    EXPECT_FALSE(g_bWarnOverwriteProgram);
+    EXPECT_EQ(prompt.Shown().size(), 2u);
+    EXPECT_TRUE(program->OnSaveDocument(path));
+    EXPECT_EQ(prompt.Shown().size(), 2u) << "not asked any more";
+    g_bWarnOverwriteProgram = true;
 }
 
 // The icons that were counted to find the receiver are those that it shows.

@@ -100,7 +100,7 @@ TEST_F(ContainerVerbs, AProgramGetsChangesAndLosesIcons) {
 
     ran = Run({"program", "replace", "setup.exe", "main", "a.ico", "-o", "new.exe"});
     EXPECT_EQ(ran.exitCode, 0) << ran.err;
-    EXPECT_THAT(ran.out, HasSubstr("icon 1 \"MAIN\": 1 formats in, 2 out"));
+    EXPECT_THAT(ran.out, HasSubstr("icon 1 \"MAIN\": 1 format in, 2 out"));
     EXPECT_EQ(Run({"program", "extract", "new.exe", "MAIN", "-o", "main.ico"}).exitCode, 0);
     EXPECT_EQ(Get("main.ico"), Get("a.ico"));
     EXPECT_EQ(Run({"program", "remove", "new.exe", "#1", "#2", "--in-place"}).exitCode, 0);

@@ -77,7 +77,6 @@ struct Opened {
     explicit Opened(const Bytes& file, const std::string& name = "prog.exe") : path(folder / name) {
         services.prompt = &prompt;
         WriteFileSafely(path, file);
-        document.m_bWarnOverwriteProgram = false;
         opened = document.OnOpenDocument(path);
         document.SetPathName(path, false);
     }
@@ -253,10 +252,16 @@ TEST(ExeDoc, EveryStepThatFailsHasItsNumberAndLeavesTheFile) {
 TEST(ExeDoc, SaveAsLeavesTheOldFileAndWarnsOnlyOverItself) {
     const auto file = SampleIcons().File();
     Opened o(file);
-    o.document.m_bWarnOverwriteProgram = true;
+    bool warn = true;
+    o.document.m_pWarnOverwrite = &warn;
     ASSERT_TRUE(o.document.ReplaceIcon(0, *MakeIcon("", {k16})));
     EXPECT_FALSE(o.document.OnSaveDocument(o.path)) << "the scripted answer is No";
     EXPECT_EQ(ReadBytes(o.path), file);
+    EXPECT_TRUE(warn);
+    o.prompt.SetChecks();
+    EXPECT_FALSE(o.document.OnSaveDocument(o.path));
+    EXPECT_FALSE(warn) << "the check counts whatever is answered";
+    warn = true;
     const auto other = o.folder / "copy.exe";
     const auto asked = o.prompt.Shown().size();
     ASSERT_TRUE(o.document.OnSaveDocument(other));
