@@ -11,11 +11,13 @@ namespace pelorin {
 namespace {
 
 constexpr std::string_view kMagic = "VNHO";
+constexpr unsigned kMostPerByte = 16;
 
 // A failure of any field latches in the reader below.
 class RecordReader {
 public:
-    explicit RecordReader(ByteReader& in) : m_in(in) {}
+    explicit RecordReader(ByteReader& in)
+        : m_in(in), m_left(std::max(std::uint64_t{4} * kMaxPixels, std::uint64_t{kMostPerByte} * in.Size())) {}
 
     void Number(int& value) { value = m_in.I32LE(); }
     void Flag(bool& value) { value = m_in.U8() != 0; }
@@ -43,7 +45,7 @@ public:
     }
 
 private:
-    // All blocks together unpack to no more than the largest picture.
+    // All blocks together unpack to no more than the largest picture, or than a large file may well hold.
     Bytes Unpack() {
         const auto packed = m_in.Take(m_in.U32LE());
         if (packed.empty()) return {};
@@ -57,7 +59,7 @@ private:
     }
 
     ByteReader& m_in;
-    std::uint64_t m_left = std::uint64_t{4} * kMaxPixels;
+    std::uint64_t m_left;
 };
 
 void ReadLayers(ByteReader& in, RecordReader& records, CVniLayers& layers) {

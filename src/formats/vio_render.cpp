@@ -17,9 +17,11 @@ constexpr std::int64_t kMostLayerPixels = 2 * kMaxPixels, kFreeLayerPixels = std
 constexpr std::int64_t kLayerPixelsPerPixel = 64;
 
 std::int64_t LayerBudget(const CVniImage& image) {
-    std::int64_t pixels = std::int64_t{image.m_Size.width} * image.m_Size.height;
-    for (const auto& layer : image.m_arrLayers) pixels += static_cast<std::int64_t>(layer.m_Raster.size() / 4);
-    return std::clamp(pixels * kLayerPixelsPerPixel, kFreeLayerPixels, kMostLayerPixels);
+    std::int64_t rasters = 0;
+    for (const auto& layer : image.m_arrLayers) rasters += static_cast<std::int64_t>(layer.m_Raster.size() / 4);
+    const auto pixels = std::int64_t{image.m_Size.width} * image.m_Size.height + rasters;
+    // Layers of the size of their rasters are drawn however many there are.
+    return std::clamp(pixels * kLayerPixelsPerPixel, kFreeLayerPixels, kMostLayerPixels) + 2 * rasters;
 }
 
 // 64 bits, because the fields are whatever a file says.
