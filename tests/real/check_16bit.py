@@ -1,4 +1,4 @@
-"""A 16-bit program that was not made by us: read, and an icon replaced in its place.
+"""16-bit programs that were not made by us: read, and an icon replaced in its place.
 
 No package holds a whole one, and no compiler of them. But Wine's 16-bit drivers carry their module, in the old form and
 laid out by Wine's linker, inside a 32-bit image; cut out it is a file of its own.
@@ -6,7 +6,7 @@ laid out by Wine's linker, inside a 32-bit image; cut out it is a file of its ow
 import struct
 
 from check_changes import check_same_icon
-from check_programs import digest
+from check_programs import digest, listed, program_files
 from pe import Pe
 from support import NEEDS, SAMPLE_ICON, ico_images, run, write_ico
 
@@ -68,6 +68,17 @@ def program_16(report):
     report.figure(f"{len(places)} images in a module of {len(module)} bytes")
 
 
+def fonts_16(report):
+    """Fonts are programs of the old form with resources, and none of them icons."""
+    files = [path for path in program_files(NEEDS["fonts-wine"])
+             if (data := path.read_bytes())[struct.unpack_from("<I", data, 60)[0]:][:2] == b"NE"]
+    report.expect(files, "no 16-bit fonts")
+    for path, entry in listed(report, files).items():
+        report.equal((entry["kind"], entry["icons"]), ("ne", []), path)
+    report.figure(f"{len(files)} files")
+
+
 CHECKS = [
+    ("fonts-16", fonts_16, ["fonts-wine"]),
     ("program-16", program_16, ["libwine:i386", "icoutils", "imagemagick"]),
 ]

@@ -1,12 +1,13 @@
 """The first icon of real programs replaced: the new one is there, and not a byte of the rest has changed."""
 import re
 
-from check_programs import listed, program_files, told_by_wrestool
+from check_programs import check_reading, listed, program_files, told_by_wrestool
 from pe import CERTIFICATES, GROUP, ICON, RELOCATIONS, RESOURCES, Pe, group_entries, sign
 from support import NEEDS, SAMPLE_ICON, ico_images, pixels, run, side_by_side
 
 TAIL = bytes(i * 31 & 255 for i in range(5001))
 COUNT = 10
+OTHERS = ["keepass2", "python3-distlib", "shim-signed"]
 
 
 def first_group(resources):
@@ -80,7 +81,7 @@ def check_tools(report, path, old_path, icon_count):
     """Other programs read the result, and complain no more than about the original."""
     report.equal(len(told_by_wrestool(path)[0]), icon_count, f"{path.name}: groups that wrestool sees")
     ran, ran_before = (run([NEEDS["binutils"], "-x", file]) for file in (path, old_path))
-    report.equal(ran.returncode, 0, f"{path.name}: objdump")
+    report.equal(ran.returncode, ran_before.returncode, f"{path.name}: objdump")
 
     def without_name(text, file):
         return text.replace(str(file), "")
@@ -166,15 +167,17 @@ def check_replacing(report, folder):
                 report.equal(out.read_bytes().count(TAIL), 1, f"{file.name}: times that the tail is there")
 
 
-def check_adding(report, folder):
-    """An icon more in each of hundreds of files, most of which have none, and many no resources at all."""
+def check_adding(report, files):
+    """An icon more in each file, most of which have none, and many no resources at all."""
     work = report.folder("out")
     wanted = sorted(ico_images(SAMPLE_ICON.read_bytes()))
 
     def add(path):
         out = work / path.name
-        report.cli("program", "add", path, SAMPLE_ICON, "--name", "PELORIN", "-q", "-o", out)
-        old, new = Pe(path.read_bytes()), Pe(out.read_bytes())
+        old = Pe(path.read_bytes())
+        options = ["--drop-signature"] if old.directories[CERTIFICATES][0] else []
+        report.cli("program", "add", path, SAMPLE_ICON, "--name", "PELORIN", "-q", "-o", out, *options)
+        new = Pe(out.read_bytes())
         added = sorted(new.groups().get(("PELORIN", 0), []))
         report.equal([image[:2] for image in added], [image[:2] for image in wanted], f"{path.name}: new formats")
         report.expect(added[:-1] == wanted[:-1], f"{path.name}: blocks of the new icon")
@@ -184,16 +187,16 @@ def check_adding(report, folder):
         out.unlink()
         return bool(old.directories[RESOURCES][0])
 
-    had = side_by_side(add, program_files(folder))
+    had = side_by_side(add, files)
     report.figure(f"{len(had)} files, {had.count(False)} of them without resources before")
 
 
 def add_64(report):
-    check_adding(report, NEEDS["libwine"])
+    check_adding(report, program_files(NEEDS["libwine"]))
 
 
 def add_32(report):
-    check_adding(report, NEEDS["libwine:i386"])
+    check_adding(report, program_files(NEEDS["libwine:i386"]))
 
 
 def replace_64(report):
@@ -204,14 +207,29 @@ def replace_32(report):
     check_replacing(report, NEEDS["libwine:i386"])
 
 
-def replace_stubs(report):
-    """Installers: small images, packed resources, the installer's data behind them."""
-    files = [file for file in program_files(NEEDS["nsis-common"]) if Pe(file.read_bytes()).groups()]
-    for file in files:
-        tailed = report.folder("made") / f"{file.parent.name}-{file.name}"
+def check_replacing_in_all(report, files):
+    """Every file with icons gets another, with data behind the image, as installers and launchers have it."""
+    carriers = [file for file in files if Pe(file.read_bytes()).groups()]
+    for number, file in enumerate(carriers):
+        tailed = report.folder("made") / f"{number}-{file.name}"
         tailed.write_bytes(file.read_bytes() + TAIL)
         replace_first(report, tailed, report.folder("out") / tailed.name)
-    report.figure(f"{len(files)} files")
+    report.figure(f"{len(carriers)} with an icon replaced")
+
+
+def change_stubs(report):
+    files = program_files(NEEDS["nsis-common"])
+    check_adding(report, files)
+    check_replacing_in_all(report, files)
+
+
+def change_others(report):
+    """Launchers of another compiler and for another processor, a program in byte code, a boot loader that is signed."""
+    files = program_files(*(NEEDS[package] for package in OTHERS))
+    check_reading(report, files)
+    check_adding(report, files)
+    check_replacing_in_all(report, files)
+    report.expect(any(Pe(file.read_bytes()).directories[CERTIFICATES][0] for file in files), "no file is signed")
 
 
 CHECKS = [
@@ -219,5 +237,6 @@ CHECKS = [
     ("add-32", add_32, ["libwine:i386"]),
     ("replace-64", replace_64, ["libwine", "icoutils", "imagemagick", "binutils"]),
     ("replace-32", replace_32, ["libwine:i386", "icoutils", "imagemagick", "binutils"]),
-    ("replace-installers", replace_stubs, ["nsis-common", "icoutils", "imagemagick", "binutils"]),
+    ("change-installers", change_stubs, ["nsis-common", "icoutils", "imagemagick", "binutils"]),
+    ("change-others", change_others, [*OTHERS, "icoutils", "imagemagick", "binutils"]),
 ]

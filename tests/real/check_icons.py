@@ -77,6 +77,19 @@ def windows_icons(report):
     report.figure(f"{len(pictures) + 1} formats by icotool, {len(SIZES) + 1} by ImageMagick, {len(ours)} by us")
 
 
+def installers_icons(report):
+    """Icon files of many makers. A compressed image that its entry calls indexed becomes so here, and in icotool stays."""
+    files = sorted((NEEDS["nsis-common"].parent / "Contrib/Graphics/Icons").glob("*.ico"))
+    for file in files:
+        out = report.folder("icotool", file.name)
+        run(["icotool", "-x", file, "-o", out])
+        ours, theirs = extract_ours(report, file), formats_of(out)
+        report.equal(len(ours), len(theirs), f"{file.name}: formats")
+        plain = ours.keys() & theirs.keys()
+        check_formats(report, file.name, {key: ours[key] for key in plain}, {key: theirs[key] for key in plain})
+    report.figure(f"{len(files)} files")
+
+
 def macintosh_icons(report):
     work = report.folder("work")
     ours_made, theirs_made = work / "ours.icns", work / "theirs.icns"
@@ -96,5 +109,6 @@ def macintosh_icons(report):
 
 CHECKS = [
     ("icons-windows", windows_icons, ["imagemagick", "icoutils"]),
+    ("icons-installers", installers_icons, ["imagemagick", "icoutils", "nsis-common"]),
     ("icons-macintosh", macintosh_icons, ["imagemagick", "icnsutils"]),
 ]

@@ -97,6 +97,19 @@ def read_made_by_tiffcp(report):
     report.figure(f"{len(MADE_BY_TIFFCP)} files")
 
 
+def read_installers(report):
+    """Bitmaps of many makers."""
+    work = report.folder("work")
+    files = sorted((NEEDS["nsis-common"].parent / "Contrib/Graphics").rglob("*.bmp"))
+    for number, file in enumerate(files):
+        name = f"{number}-{file.name}"
+        (work / name).write_bytes(file.read_bytes())
+        ours = our_reading(report, work, name)
+        if ours:
+            check_same(report, name, *pixels([ours, by_magick(work, name)]), 0)
+    report.figure(f"{len(files)} files")
+
+
 def our_frame(report, work, file, option, number):
     out = work / f"{file}.{number}.ours.png"
     report.cli("image", file, "-q", "-o", out, option, number, cwd=work)
@@ -157,6 +170,7 @@ CHECKS = [
     ("pictures-magick", read_made_by_magick, ["imagemagick"]),
     ("pictures-netpbm", read_made_by_netpbm, ["imagemagick", "netpbm"]),
     ("pictures-tiff", read_made_by_tiffcp, ["imagemagick", "libtiff-tools"]),
+    ("pictures-installers", read_installers, ["imagemagick", "nsis-common"]),
     ("pictures-frames", read_frames, ["imagemagick"]),
     ("pictures-written", written_by_us, ["imagemagick"]),
 ]

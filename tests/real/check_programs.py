@@ -78,6 +78,7 @@ def check_reading(report, files):
         check_bytes(report, path, work / "icons")
         return check_pixels(report, path, work)
 
+    report.expect(carriers, "no file has icons")
     pictures = sum(side_by_side(extract, enumerate(carriers)))
     report.figure(f"{len(files)} files, {len(carriers)} with icons, {groups} groups, {images} images, "
                   f"{pictures} pictures compared")

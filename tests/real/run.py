@@ -38,7 +38,7 @@ def run_check(name, work, program, scratch):
         report.faults.append("nothing was compared")
     took = time.monotonic() - start
     state = f"{len(report.faults)} FAULTS" if report.faults else "ok"
-    print(f"{name:18s} {state}, {report.compared} comparisons, {took:.1f} s; {'; '.join(report.figures)}", flush=True)
+    print(f"{name:20s} {state}, {report.compared} comparisons, {took:.1f} s; {'; '.join(report.figures)}", flush=True)
     for fault in report.faults[:20]:
         print(f"    {fault}")
     shutil.rmtree(report.scratch, ignore_errors=True)
@@ -49,13 +49,17 @@ def main():
     parser = argparse.ArgumentParser(description="checks on real programs and beside other tools")
     parser.add_argument("names", nargs="*", help="only checks whose names begin so")
     parser.add_argument("--program", default=ROOT / "build/release/bin/pelorin-cli", type=pathlib.Path)
-    parser.add_argument("--packages", action="store_true", help="print the packages that all checks need, and leave")
+    parser.add_argument("--packages", action="store_true", help="print the packages to install for all checks, and leave")
+    parser.add_argument("--fetched", action="store_true", help="print those to unpack only, and leave")
     parser.add_argument("--no-skips", action="store_true",
                         help="a check has failed that lacks something which ./dev real --install brings")
     options = parser.parse_args()
     if options.packages:
         needed = {package for _, _, needs in CHECKS for package in needs}
         print("\n".join(sorted(needed - SECOND_ARCHITECTURE - FETCHED_PACKAGES)))
+        return 0
+    if options.fetched:
+        print("\n".join(sorted(FETCHED_PACKAGES)))
         return 0
     chosen = [check for check in CHECKS if not options.names or check[0].startswith(tuple(options.names))]
     if not chosen:
@@ -69,7 +73,7 @@ def main():
         for name, work, needs in chosen:
             missing = [package for package in needs if not NEEDS[package]]
             if missing:
-                print(f"{name:18s} skipped: needs package {', '.join(missing)}", flush=True)
+                print(f"{name:20s} skipped: needs package {', '.join(missing)}", flush=True)
                 skipped.append(name)
                 wanted += set(missing) - SECOND_ARCHITECTURE
             elif not run_check(name, work, options.program.resolve(), pathlib.Path(scratch)):

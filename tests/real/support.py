@@ -9,7 +9,7 @@ import struct
 import subprocess
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-FETCHED = ROOT / "build/real"  # packages of another architecture, unpacked and not installed
+FETCHED = ROOT / "build/real"  # packages that are unpacked and not installed
 SAMPLE_ICON = ROOT / "resources/samples/sample.ico"
 SAMPLE_PICTURE = ROOT / "resources/samples/pelorus.png"
 
@@ -25,23 +25,27 @@ def folder(*paths):
 # Package -> what of it a check uses, or None where it is not there.
 NEEDS = {
     "binutils": tool("objdump"),
+    "fonts-wine": folder("/usr/share/wine/fonts"),
     "gcc-mingw-w64-i686": tool("i686-w64-mingw32-gcc"),
     "gcc-mingw-w64-x86-64": tool("x86_64-w64-mingw32-gcc"),
     "icnsutils": tool("icns2png"),
     "icoutils": tool("wrestool"),
     "imagemagick": tool("convert-im6.q16", "convert"),
+    "keepass2": folder(FETCHED / "keepass2/usr/lib/keepass2"),
     "libtiff-tools": tool("tiffcp"),
     "libwine": folder("/usr/lib/x86_64-linux-gnu/wine/x86_64-windows"),
     "libwine:i386": folder("/usr/lib/i386-linux-gnu/wine/i386-windows",
-                           FETCHED / "i386/usr/lib/i386-linux-gnu/wine/i386-windows"),
+                           FETCHED / "libwine/usr/lib/i386-linux-gnu/wine/i386-windows"),
     "netpbm": tool("pamtotga"),
     "nsis": tool("makensis"),
     "nsis-common": folder("/usr/share/nsis/Stubs"),
+    "python3-distlib": folder(FETCHED / "python3-distlib/usr/lib/python3/dist-packages/distlib"),
+    "shim-signed": folder(FETCHED / "shim-signed/usr/lib/shim"),
     "wine32:i386": tool("/usr/lib/wine/wine"),
     "wine64": tool("/usr/lib/wine/wine64"),
 }
 SECOND_ARCHITECTURE = {"wine32:i386", "gcc-mingw-w64-i686"}  # brought by ./dev real --install-32 alone
-FETCHED_PACKAGES = {"libwine:i386"}  # unpacked into FETCHED, not installed
+FETCHED_PACKAGES = {"keepass2", "libwine:i386", "python3-distlib", "shim-signed"}  # unpacked into FETCHED
 
 
 class Report:
