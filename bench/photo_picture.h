@@ -7,10 +7,11 @@
 
 namespace pelorin::bench {
 
-inline DibBlock PhotoPicture(int side) {
+/// `grain` 1 is that of a good camera in daylight.
+inline DibBlock PhotoPicture(int side, double grain = 1) {
     auto block = CreateDIB(side, side, 24);
     const DibRows rows(block);
-    std::uint32_t grain = 12345;
+    std::uint32_t random = 12345;
     for (int y = 0; y < side; ++y) {
         auto* pixel = rows.Row(y);
         for (int x = 0; x < side; ++x, pixel += 3) {
@@ -19,8 +20,8 @@ inline DibBlock PhotoPicture(int side) {
             const double edge = std::fmod(u * 7 + v * 3, 1.0) < 0.3 ? 40 : 0;
             const double channels[] = {70 + 120 * v + wave, 90 + 100 * u - edge, 60 + 90 * (1 - v) + 50 * u + wave};
             for (int c = 0; c < 3; ++c) {
-                grain = grain * 1664525 + 1013904223;
-                const double value = channels[c] + static_cast<double>(grain >> 28) - 8;
+                random = random * 1664525 + 1013904223;
+                const double value = channels[c] + grain * (static_cast<double>(random >> 28) - 8);
                 pixel[c] = static_cast<std::uint8_t>(std::fmin(255, std::fmax(0, value)));
             }
         }

@@ -31,6 +31,12 @@ inline std::uint32_t LoadU32LE(const std::uint8_t* p) {
 inline std::uint32_t LoadU32BE(const std::uint8_t* p) {
     return std::uint32_t{p[0]} << 24 | std::uint32_t{p[1]} << 16 | std::uint32_t{p[2]} << 8 | std::uint32_t{p[3]};
 }
+inline std::uint64_t LoadU64BE(const std::uint8_t* p) {
+    // In one expression: compilers make one load of it.
+    return std::uint64_t{p[0]} << 56 | std::uint64_t{p[1]} << 48 | std::uint64_t{p[2]} << 40 |
+           std::uint64_t{p[3]} << 32 | std::uint64_t{p[4]} << 24 | std::uint64_t{p[5]} << 16 |
+           std::uint64_t{p[6]} << 8 | std::uint64_t{p[7]};
+}
 inline void StoreU16LE(std::uint8_t* p, std::uint16_t v) {
     p[0] = static_cast<std::uint8_t>(v);
     p[1] = static_cast<std::uint8_t>(v >> 8);

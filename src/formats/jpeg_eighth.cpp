@@ -1,230 +1,299 @@
 #include "formats/jpeg_eighth.h"
 
-#include "formats/jpeg_codes.h"
-
-#include <jpeglib.h>
-
-#include <cstdio>
+#include "formats/jpeg_colors.h"
+#include "formats/jpeg_plane.h"
+#include "formats/jpeg_scans.h"
 
 namespace pelorin {
 
 namespace {
 
-constexpr int kZigzag[64] = {0,  1,  8,  16, 9,  2,  3,  10, 17, 24, 32, 25, 18, 11, 4,  5,  12, 19, 26, 33, 40, 48,
-                             41, 34, 27, 20, 13, 6,  7,  14, 21, 28, 35, 42, 49, 56, 57, 50, 43, 36, 29, 22, 15, 23,
-                             30, 37, 44, 51, 58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54, 47, 55, 62, 63};
-
-// What the inverse transform leaves, as a sample. Values far outside wrap, as the library's do.
-std::uint8_t ToSample(int value) {
-    value = ((value & 1023) ^ 512) - 512;
-    return static_cast<std::uint8_t>(std::clamp(value + 128, 0, 255));
-}
-
-int Descale(std::int64_t value, int bits) {
-    return static_cast<int>((value + (1 << (bits - 1))) >> bits);
-}
-
-// Half of one dimension of the 2 x 2 transform: the even part is `even`, the odd part comes from coefficients 1, 3,
-// 5, 7.
-std::int64_t OddPart(std::int64_t c1, std::int64_t c3, std::int64_t c5, std::int64_t c7) {
-    return c1 * 29692 - c3 * 10426 + c5 * 6967 - c7 * 5906; // in units of 1 / 8192
-}
-
-// The reduced inverse transform of an 8 x 8 block to 2 x 2, by columns, then rows. A bit of `columns` is set where a
-// column has a coefficient; few have.
-void Transform2x2(const std::int16_t* coefficients, unsigned columns, const std::uint16_t* quant, std::uint8_t* top,
-                  std::uint8_t* bottom) {
-    int rows[2][8] = {};
-    for (const int x : {0, 1, 3, 5, 7}) {
-        if ((columns >> x & 1) == 0) continue;
-        const auto at = [&](int y) { return std::int64_t{coefficients[y * 8 + x]} * quant[y * 8 + x]; };
-        const std::int64_t even = at(0) * (1 << 15), odd = OddPart(at(1), at(3), at(5), at(7));
-        rows[0][x] = Descale(even + odd, 13);
-        rows[1][x] = Descale(even - odd, 13);
-    }
-    std::uint8_t* out[2] = {top, bottom};
-    for (int y = 0; y < 2; ++y) {
-        const auto* r = rows[y];
-        const std::int64_t even = std::int64_t{r[0]} * (1 << 15), odd = OddPart(r[1], r[3], r[5], r[7]);
-        out[y][0] = ToSample(Descale(even + odd, 20));
-        out[y][1] = ToSample(Descale(even - odd, 20));
-    }
-}
+// As many as the library is allowed.
+constexpr int kMaxScans = 100;
+// Blocks in a group; a file with more is broken.
+constexpr std::size_t kMaxGroup = 10;
 
 struct Component {
-    int across = 1, down = 1; ///< blocks in a group
-    const std::uint16_t* quant = nullptr;
-    JpegCodeTable dc, ac;
-    bool fourPixels = false; ///< a block gives 2 x 2 samples, not one
-    std::int16_t lastDc = 0;
-    std::size_t stride = 0;
-    Bytes samples;
+    int name = 0;
+    unsigned stepsNumber = 0;
+    std::size_t across = 1, down = 1;  ///< blocks in a group
+    std::size_t columns = 0, rows = 0; ///< blocks of a scan that has this component alone
+    JpegPlane plane;
+    bool come = false; ///< first coefficients have
+    // Of the scan at hand.
+    JpegCodeTable firstCodes, otherCodes;
+    std::int16_t last = 0;
 
-    std::int16_t NextDc(int difference) {
-        lastDc = static_cast<std::int16_t>(lastDc + difference);
-        return lastDc;
+    std::int16_t Last(int difference) {
+        last = static_cast<std::int16_t>(last + difference);
+        return last;
     }
 };
 
 class Decoder {
 public:
     [[nodiscard]] bool Prepare(const jpeg_decompress_struct& codec);
-    [[nodiscard]] bool Decode();
-    [[nodiscard]] DibBlock Picture() const;
+    [[nodiscard]] bool Decode(ByteSpan file);
+    [[nodiscard]] DibBlock Picture();
 
 private:
     [[nodiscard]] bool PrepareComponent(const jpeg_decompress_struct& codec, int index);
-    bool DecodeBlock(Component& c, std::size_t x, std::size_t y);
-    bool DecodeGroup(std::size_t x, std::size_t y);
+    [[nodiscard]] Component* FindComponent(const JpegScan::Part& part);
+    [[nodiscard]] bool PrepareScan(const JpegScan& scan);
+    [[nodiscard]] bool PrepareComponents(const JpegScan& scan, const JpegScans& scans);
+    [[nodiscard]] bool IsWanted() const {
+        return !m_progressive || m_band.from == 0 || m_slots[0].component->plane.Four();
+    }
+    [[nodiscard]] bool DecodeScan(ByteSpan data, unsigned restart);
+    template <class Read>
+    [[nodiscard]] bool ReadBlocks(ByteSpan data, unsigned restart, Read read);
+    void BeginPiece();
+    [[nodiscard]] bool AllHaveCome() const {
+        return std::all_of(m_components.begin(), m_components.end(), [](const auto& c) { return c.come; });
+    }
+    [[nodiscard]] const std::uint8_t* PlaneRow(std::size_t index, std::size_t y, Bytes& room) const;
 
-    Size m_size; ///< of the small picture
-    int m_count = 1;
-    std::array<Component, 3> m_components;
-    std::size_t m_groupsAcross = 0, m_groupsDown = 0;
-    unsigned m_restart = 0;
+    Size m_full, m_size;
+    bool m_progressive = false, m_inverted = false;
+    J_COLOR_SPACE m_space = JCS_UNKNOWN;
+    std::size_t m_maxAcross = 1, m_maxDown = 1;
+    std::vector<Component> m_components;
+
+    // The scan at hand.
+    struct Slot {
+        Component* component = nullptr;
+        std::size_t across = 1, down = 1; ///< the component's blocks in a group
+        std::size_t x = 0, y = 0;
+    };
+    std::vector<Slot> m_slots; ///< one a block of a group
+    JpegBand m_band;
+    unsigned m_blocksWithout = 0;
     JpegBits m_bits;
 };
 
+std::size_t Pieces(std::size_t length, std::size_t piece) {
+    return (length + piece - 1) / piece;
+}
+
 bool Decoder::PrepareComponent(const jpeg_decompress_struct& codec, int index) {
-    const auto& info = *codec.cur_comp_info[index];
+    const auto& info = codec.comp_info[index];
     auto& c = m_components[static_cast<std::size_t>(index)];
-    const bool known = info.dc_tbl_no >= 0 && info.dc_tbl_no < NUM_HUFF_TBLS && info.ac_tbl_no >= 0 &&
-                       info.ac_tbl_no < NUM_HUFF_TBLS && info.quant_tbl_no >= 0 && info.quant_tbl_no < NUM_QUANT_TBLS;
-    if (!known || info.component_index != index) return false;
-    const auto* dc = codec.dc_huff_tbl_ptrs[info.dc_tbl_no];
-    const auto* ac = codec.ac_huff_tbl_ptrs[info.ac_tbl_no];
-    const auto* quant = codec.quant_tbl_ptrs[info.quant_tbl_no];
-    if (!dc || !ac || !quant || !c.dc.Build(dc->bits, dc->huffval) || !c.ac.Build(ac->bits, ac->huffval)) return false;
-    c.quant = quant->quantval;
-    if (m_count == 1) return true;
-    c.across = info.h_samp_factor;
-    c.down = info.v_samp_factor;
-    return index == 0 ? c.across <= 2 && c.down <= 2 : c.across == 1 && c.down == 1;
+    c.name = info.component_id;
+    c.stepsNumber = static_cast<unsigned>(info.quant_tbl_no);
+    c.across = static_cast<std::size_t>(info.h_samp_factor);
+    c.down = static_cast<std::size_t>(info.v_samp_factor);
+    if (m_maxAcross % c.across != 0 || m_maxDown % c.down != 0) return false;
+    const auto thinAcross = m_maxAcross / c.across, thinDown = m_maxDown / c.down;
+    const bool four = thinAcross % 2 == 0 && thinDown % 2 == 0;
+    if (four && thinAcross % 4 == 0 && thinDown % 4 == 0) return false;
+    c.columns = Pieces(Pieces(codec.image_width * c.across, m_maxAcross), 8);
+    c.rows = Pieces(Pieces(codec.image_height * c.down, m_maxDown), 8);
+    c.plane.Open(Pieces(codec.image_width, 8 * m_maxAcross) * c.across,
+                 Pieces(codec.image_height, 8 * m_maxDown) * c.down, four, m_progressive);
+    return true;
 }
 
 bool Decoder::Prepare(const jpeg_decompress_struct& codec) {
-    const bool grey = codec.num_components == 1 && codec.jpeg_color_space == JCS_GRAYSCALE;
-    const bool colors = codec.num_components == 3 && codec.jpeg_color_space == JCS_YCbCr;
-    if (codec.progressive_mode || codec.arith_code || codec.data_precision != 8 || !(grey || colors)) return false;
-    if (codec.comps_in_scan != codec.num_components) return false;
-    m_count = codec.num_components;
-    for (int i = 0; i < m_count; ++i) {
+    m_progressive = codec.progressive_mode;
+    m_space = codec.jpeg_color_space;
+    m_inverted = codec.saw_Adobe_marker;
+    const int wanted = m_space == JCS_GRAYSCALE                     ? 1
+                       : m_space == JCS_YCbCr || m_space == JCS_RGB ? 3
+                       : m_space == JCS_CMYK || m_space == JCS_YCCK ? 4
+                                                                    : 0;
+    if (codec.arith_code || codec.data_precision != 8 || codec.num_components != wanted) return false;
+    m_full = {static_cast<int>(codec.image_width), static_cast<int>(codec.image_height)};
+    m_size = {(m_full.width + 7) / 8, (m_full.height + 7) / 8};
+    m_maxAcross = static_cast<std::size_t>(codec.max_h_samp_factor);
+    m_maxDown = static_cast<std::size_t>(codec.max_v_samp_factor);
+    m_components.resize(static_cast<std::size_t>(wanted));
+    for (int i = 0; i < wanted; ++i) {
         if (!PrepareComponent(codec, i)) return false;
     }
-    const auto& first = m_components[0];
-    const std::size_t groupWidth = 8u * static_cast<unsigned>(first.across),
-                      groupHeight = 8u * static_cast<unsigned>(first.down);
-    m_groupsAcross = (codec.image_width + groupWidth - 1) / groupWidth;
-    m_groupsDown = (codec.image_height + groupHeight - 1) / groupHeight;
-    m_size = {static_cast<int>((codec.image_width + 7) / 8), static_cast<int>((codec.image_height + 7) / 8)};
-    m_restart = codec.restart_interval;
-    for (int i = 0; i < m_count; ++i) {
-        auto& c = m_components[static_cast<std::size_t>(i)];
-        // Chroma of four blocks of luma still has the samples for all of them.
-        c.fourPixels = i > 0 && first.across == 2 && first.down == 2;
-        const std::size_t side = c.fourPixels ? 2 : 1;
-        c.stride = m_groupsAcross * static_cast<unsigned>(c.across) * side;
-        c.samples.resize(c.stride * m_groupsDown * static_cast<unsigned>(c.down) * side);
-    }
-    m_bits.Open({codec.src->next_input_byte, codec.src->bytes_in_buffer});
     return true;
 }
 
-bool Decoder::DecodeBlock(Component& c, std::size_t x, std::size_t y) {
-    int difference = 0;
-    if (!c.fourPixels) {
-        if (!m_bits.ReadFirst(c.dc, c.ac, difference)) return false;
-        c.samples[y * c.stride + x] = ToSample(Descale(c.NextDc(difference) * c.quant[0], 3));
-        return true;
+// The component of a scan's part; null when there is none, or its turn is another.
+Component* Decoder::FindComponent(const JpegScan::Part& part) {
+    const auto found = std::find_if(m_components.begin(), m_components.end(),
+                                    [&](const auto& known) { return known.name == part.name; });
+    if (found == m_components.end()) return nullptr;
+    const bool twice =
+        std::any_of(m_slots.begin(), m_slots.end(), [&](const auto& slot) { return slot.component == &*found; });
+    // First come first coefficients; the whole of a component comes once.
+    const bool begins = !m_progressive || (m_band.from == 0 && !m_band.more);
+    const bool early = !found->come && !begins, late = found->come && !m_progressive;
+    return twice || early || late ? nullptr : &*found;
+}
+
+bool Decoder::PrepareScan(const JpegScan& scan) {
+    const bool alone = scan.count == 1;
+    m_slots.clear();
+    m_band = JpegBand{};
+    if (m_progressive) {
+        m_band = {scan.from, scan.to, scan.high != 0, scan.low};
+        if (scan.from == 0 ? scan.to != 0 : !alone) return false;
+        if (scan.low > 13 || (scan.high != 0 && scan.low != scan.high - 1)) return false;
     }
-    std::int16_t coefficients[64] = {};
-    unsigned columns = 1;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(scan.count); ++i) {
+        auto* c = FindComponent(scan.parts[i]);
+        if (!c) return false;
+        const auto across = alone ? 1 : c->across, down = alone ? 1 : c->down;
+        for (std::size_t at = 0; at < across * down; ++at)
+            m_slots.push_back({c, across, down, at % across, at / across});
+    }
+    return m_slots.size() <= kMaxGroup;
+}
+
+bool Decoder::PrepareComponents(const JpegScan& scan, const JpegScans& scans) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(scan.count); ++i) {
+        const auto& part = scan.parts[i];
+        auto& c = *std::find_if(m_components.begin(), m_components.end(),
+                                [&](const auto& known) { return known.name == part.name; });
+        const bool firsts = m_band.from == 0 && !m_band.more, others = m_band.to > 0;
+        if (firsts && !c.firstCodes.Build(scans.FirstCodes(part.firstCodes), true)) return false;
+        if (others && !c.otherCodes.Build(scans.OtherCodes(part.otherCodes), false)) return false;
+        if (others && !m_progressive && !c.plane.Four()) c.otherCodes.BuildSteps();
+        if (c.come) continue;
+        const auto* steps = scans.StepsOf(c.stepsNumber);
+        if (!steps) return false;
+        c.plane.SetSteps(*steps);
+        c.come = true;
+    }
+    return true;
+}
+
+bool Decoder::Decode(ByteSpan file) {
+    JpegScans scans(file);
+    JpegScan scan;
+    for (int count = 0; scans.Next(scan); ++count) {
+        if (count == kMaxScans || !PrepareScan(scan)) return false;
+        if (!IsWanted()) continue;
+        if (!PrepareComponents(scan, scans) || !DecodeScan(scans.Data(), scans.Restart())) return false;
+        scans.Pass(m_bits.Taken());
+        if (!m_progressive && AllHaveCome()) break;
+    }
+    return scans.Good() && AllHaveCome();
+}
+
+void Decoder::BeginPiece() {
+    m_blocksWithout = 0;
+    for (auto& slot : m_slots) slot.component->last = 0;
+}
+
+// `read` takes the bits, the component, and the block's column and row.
+template <class Read>
+bool Decoder::ReadBlocks(ByteSpan data, unsigned restart, Read read) {
+    const auto& only = *m_slots[0].component;
+    const bool alone = m_slots.size() == 1;
+    const auto groupsAcross = alone ? only.columns : only.plane.Columns() / only.across;
+    const auto groupsDown = alone ? only.rows : Pieces(static_cast<std::size_t>(m_full.height), 8 * m_maxDown);
+    m_bits.Open(data);
+    BeginPiece();
+    unsigned left = restart;
+    for (std::size_t y = 0; y < groupsDown; ++y) {
+        for (std::size_t x = 0; x < groupsAcross; ++x) {
+            if (restart != 0 && left-- == 0) {
+                if (!m_bits.Restart()) return false;
+                BeginPiece();
+                left = restart - 1;
+            }
+            if (!m_bits.Reserve()) return false;
+            auto bits = m_bits.Window();
+            for (const auto& slot : m_slots) {
+                auto& c = *slot.component;
+                if (!read(bits, c, x * slot.across + slot.x, y * slot.down + slot.y)) return false;
+            }
+            m_bits.Window() = bits;
+        }
+    }
+    return m_bits.Reserve();
+}
+
+bool ReadFirst(JpegWindow& bits, Component& c) {
+    int difference = 0;
+    const bool good = ReadJpegFirst(bits, c.firstCodes, difference);
+    c.Last(difference);
+    return good;
+}
+
+// A block that gives four samples.
+bool ReadWhole(JpegWindow& bits, Component& c, std::size_t x, std::size_t y) {
+    if (!ReadFirst(bits, c)) return false;
+    JpegQuarters sums{};
     bool flat = true;
-    const bool good = m_bits.ReadAll(c.dc, c.ac, difference, [&](int k, int value) {
-        coefficients[kZigzag[k]] = static_cast<std::int16_t>(value);
-        columns |= 1u << (kZigzag[k] & 7);
+    const bool good = ReadJpegOthers(bits, c.otherCodes, [&](std::size_t k, int value) {
+        c.plane.Add(sums, k, value);
         flat = false;
     });
-    if (!good) return false;
-    coefficients[0] = c.NextDc(difference);
-    auto* top = c.samples.data() + 2 * y * c.stride + 2 * x;
     if (flat) {
-        top[0] = top[1] = top[c.stride] = top[c.stride + 1] = ToSample(Descale(coefficients[0] * c.quant[0], 3));
+        c.plane.PutFlat(x, y, c.last);
     } else {
-        Transform2x2(coefficients, columns, c.quant, top, top + c.stride);
+        c.plane.Add(sums, 0, c.last);
+        c.plane.Put(x, y, sums);
     }
-    return true;
+    return good;
 }
 
-bool Decoder::DecodeGroup(std::size_t x, std::size_t y) {
-    for (int i = 0; i < m_count; ++i) {
-        auto& c = m_components[static_cast<std::size_t>(i)];
-        const auto across = static_cast<unsigned>(c.across), down = static_cast<unsigned>(c.down);
-        for (unsigned v = 0; v < down; ++v) {
-            for (unsigned h = 0; h < across; ++h) {
-                if (!DecodeBlock(c, x * across + h, y * down + v)) return false;
-            }
+bool Decoder::DecodeScan(ByteSpan data, unsigned restart) {
+    if (!m_progressive) {
+        return ReadBlocks(data, restart, [](JpegWindow& bits, Component& c, std::size_t x, std::size_t y) {
+            if (c.plane.Four()) return ReadWhole(bits, c, x, y);
+            int difference = 0;
+            const bool good = ReadJpegFirstAlone(bits, c.firstCodes, c.otherCodes, difference);
+            c.plane.First(x, y) = c.Last(difference);
+            return good;
+        });
+    }
+    if (m_band.from > 0) {
+        return ReadBlocks(data, restart, [this](JpegWindow& bits, Component& c, std::size_t x, std::size_t y) {
+            return ReadJpegBand(bits, c.otherCodes, m_band, m_blocksWithout, c.plane.Kept(x, y));
+        });
+    }
+    return ReadBlocks(data, restart, [this](JpegWindow& bits, Component& c, std::size_t x, std::size_t y) {
+        auto& first = c.plane.Four() ? c.plane.Kept(x, y)[0] : c.plane.First(x, y);
+        if (m_band.more) {
+            first = static_cast<std::int16_t>(first | static_cast<int>(bits.Take(1) << m_band.low));
+            return true;
         }
-    }
-    return m_bits.Inside();
+        const bool good = ReadFirst(bits, c);
+        first = static_cast<std::int16_t>(static_cast<unsigned>(c.last) << m_band.low);
+        return good;
+    });
 }
 
-bool Decoder::Decode() {
-    unsigned left = m_restart;
-    for (std::size_t y = 0; y < m_groupsDown; ++y) {
-        for (std::size_t x = 0; x < m_groupsAcross; ++x) {
-            if (m_restart != 0 && left-- == 0) {
-                if (!m_bits.Restart()) return false;
-                for (auto& c : m_components) c.lastDc = 0;
-                left = m_restart - 1;
-            }
-            if (!DecodeGroup(x, y)) return false;
-        }
-    }
-    return true;
+// A row of the small picture; where the component has fewer samples, each stands for several pixels.
+const std::uint8_t* Decoder::PlaneRow(std::size_t index, std::size_t y, Bytes& room) const {
+    const auto& c = m_components[index];
+    const std::size_t side = c.plane.Four() ? 2 : 1;
+    const auto across = m_maxAcross / (c.across * side), down = m_maxDown / (c.down * side);
+    const auto* row = c.plane.Row(y / down);
+    if (across == 1) return row;
+    for (std::size_t x = 0; x < room.size(); ++x) room[x] = row[x / across];
+    return room.data();
 }
 
-// Luma and chroma to red, green and blue with the library's roundings, in 1/65536.
-void PutColor(std::uint8_t* to, int luma, int cb, int cr) {
-    constexpr int half = 1 << 15;
-    const auto clip = [](int v) { return static_cast<std::uint8_t>(std::clamp(v, 0, 255)); };
-    cb -= 128;
-    cr -= 128;
-    to[0] = clip(luma + ((116130 * cb + half) >> 16));
-    to[1] = clip(luma + ((-22554 * cb - 46802 * cr + half) >> 16));
-    to[2] = clip(luma + ((91881 * cr + half) >> 16));
-}
-
-DibBlock Decoder::Picture() const {
+DibBlock Decoder::Picture() {
     auto block = CreateDIB(m_size.width, m_size.height, 24);
     const DibRows rows(block);
     if (!rows) return {};
-    const auto& luma = m_components[0];
-    const bool chroma = m_count == 3, dense = m_components[1].fourPixels;
-    // Where chroma has fewer samples than luma, each stands for its whole group.
-    const std::size_t across = dense ? 1 : static_cast<unsigned>(luma.across),
-                      down = dense ? 1 : static_cast<unsigned>(luma.down);
-    for (int row = 0; row < m_size.height; ++row) {
-        const auto y = static_cast<std::size_t>(row);
-        auto* to = rows.PictureRow(row);
-        for (std::size_t x = 0; x < static_cast<std::size_t>(m_size.width); ++x, to += 3) {
-            const auto light = luma.samples[y * luma.stride + x];
-            if (!chroma) {
-                std::fill_n(to, 3, light);
-                continue;
-            }
-            const auto at = y / down * m_components[1].stride + x / across;
-            PutColor(to, light, m_components[1].samples[at], m_components[2].samples[at]);
-        }
+    for (auto& c : m_components) c.plane.Finish();
+    std::array<Bytes, 4> room;
+    room.fill(Bytes(static_cast<std::size_t>(m_size.width)));
+    for (int y = 0; y < m_size.height; ++y) {
+        std::array<const std::uint8_t*, 4> planes{};
+        for (std::size_t i = 0; i < m_components.size(); ++i)
+            planes[i] = PlaneRow(i, static_cast<std::size_t>(y), room[i]);
+        PutJpegRow(m_space, planes, rows.PictureRow(y), m_size.width, m_inverted);
     }
     return block;
 }
 
 } // namespace
 
-DibBlock ReadJpegEighth(const jpeg_decompress_struct& codec) {
+DibBlock ReadJpegEighth(ByteSpan file, const jpeg_decompress_struct& codec) {
     Decoder decoder;
-    return decoder.Prepare(codec) && decoder.Decode() ? decoder.Picture() : DibBlock();
+    return decoder.Prepare(codec) && decoder.Decode(file) ? decoder.Picture() : DibBlock();
 }
 
 } // namespace pelorin

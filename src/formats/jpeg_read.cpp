@@ -1,5 +1,6 @@
 #include "core/strings.h"
 #include "formats/jpeg.h"
+#include "formats/jpeg_colors.h"
 #include "formats/jpeg_eighth.h"
 #include "formats/jpeg_error.h"
 
@@ -31,7 +32,7 @@ public:
     }
 
     /// The short way to an eighth of the size; empty when there is only the library's.
-    [[nodiscard]] DibBlock ReadEighth() const { return ReadJpegEighth(m_codec); }
+    [[nodiscard]] DibBlock ReadEighth(ByteSpan file) const { return ReadJpegEighth(file, m_codec); }
     [[nodiscard]] bool Start(J_COLOR_SPACE space, unsigned scale);
     [[nodiscard]] bool StartIndexed(const Rgb* palette);
     /// Entry `i` of the colour map in use.
@@ -106,20 +107,12 @@ unsigned PreviewScale(int width, int height) {
     return side < 100 ? 1 : side < 200 ? 2 : side < 300 ? 4 : 8;
 }
 
-// One row of four inks as blue, green, red; `flip` turns stored inks into the light that each lets through.
-void InksToRow(const std::uint8_t* inks, std::uint8_t* to, int width, unsigned flip) {
-    for (int x = 0; x < width; ++x, inks += 4, to += 3) {
-        const unsigned black = inks[3] ^ flip;
-        for (int c = 0; c < 3; ++c) to[2 - c] = static_cast<std::uint8_t>((inks[c] ^ flip) * black / 255);
-    }
-}
-
 bool ReadRows(Decoder& decoder, const DibRows& rows, ProgressScope& progress) {
     Bytes inks(decoder.Inks() ? static_cast<std::size_t>(rows.Width()) * 4 : 0);
     for (int y = 0; y < rows.Height(); ++y) {
         auto* row = rows.PictureRow(y);
         if (!decoder.ReadRow(decoder.Inks() ? inks.data() : row)) return false;
-        if (decoder.Inks()) InksToRow(inks.data(), row, rows.Width(), decoder.InvertedInks() ? 0 : 255);
+        if (decoder.Inks()) PutJpegInks(inks.data(), row, rows.Width(), decoder.InvertedInks());
         progress.Step(static_cast<std::uint64_t>(y) + 1);
         if (progress.StopAsked()) return false;
     }
@@ -140,7 +133,7 @@ DibBlock ReadJpeg(ByteSpan file, const PictureRequest& request, PictureFacts& fa
     facts.bits = 24;
     const unsigned scale = request.preview ? PreviewScale(facts.width, facts.height) : 1;
     if (scale == 8) {
-        if (auto block = decoder.ReadEighth()) return block;
+        if (auto block = decoder.ReadEighth(file)) return block;
     }
     if (!decoder.Start(decoder.Inks() ? JCS_CMYK : JCS_EXT_BGR, scale)) return {};
 

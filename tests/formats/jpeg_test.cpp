@@ -1,18 +1,19 @@
 #include "formats/jpeg.h"
+#include "formats/jpeg_eighth.h"
 #include "formats/save_image.h"
 #include "support/dib_builder.h"
+#include "support/foreign_jpeg.h"
 
 #include <gtest/gtest.h>
-#include <jpeglib.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 
 namespace pelorin {
 namespace {
 
 using test::At;
+using test::ForeignJpeg;
 
 // Bands of colour, wide enough that the codec leaves their middles alone.
 DibBlock Bands(int width, int height) {
@@ -48,30 +49,11 @@ DibBlock Read(ByteSpan file, bool preview, PictureFacts& facts) {
 
 // A file with components as they are given, as other programs write them.
 Bytes Foreign(J_COLOR_SPACE space, std::array<std::uint8_t, 4> pixel, bool adobe) {
-    jpeg_compress_struct codec;
-    jpeg_error_mgr errors;
-    codec.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&codec);
-    unsigned char* data = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&codec, &data, &size);
-    codec.image_width = codec.image_height = 16;
-    codec.input_components = space == JCS_GRAYSCALE ? 1 : 4;
-    codec.in_color_space = space;
-    jpeg_set_defaults(&codec);
-    jpeg_set_colorspace(&codec, space);
-    jpeg_set_quality(&codec, 100, TRUE);
-    codec.write_Adobe_marker = adobe;
-    jpeg_start_compress(&codec, TRUE);
-    Bytes row;
-    for (int x = 0; x < 16; ++x) row.insert(row.end(), pixel.begin(), pixel.begin() + codec.input_components);
-    JSAMPROW rows[1] = {row.data()};
-    for (int y = 0; y < 16; ++y) jpeg_write_scanlines(&codec, rows, 1);
-    jpeg_finish_compress(&codec);
-    jpeg_destroy_compress(&codec);
-    Bytes file(data, data + size);
-    std::free(data);
-    return file;
+    const ForeignJpeg format{.width = 16, .height = 16, .quality = 100, .space = space, .adobe = adobe};
+    const auto count = static_cast<std::size_t>(format.Components());
+    return WriteForeignJpeg(format, [&](int, Bytes& row) {
+        for (std::size_t i = 0; i < row.size(); ++i) row[i] = pixel[i % count];
+    });
 }
 
 TEST(Jpeg, WrittenPicturesReadBack) {
@@ -158,101 +140,134 @@ DibBlock LibraryEighth(const Bytes& file) {
     jpeg_decompress_struct codec;
     jpeg_error_mgr errors;
     codec.err = jpeg_std_error(&errors);
+    errors.emit_message = [](j_common_ptr, int) {};
     jpeg_create_decompress(&codec);
     jpeg_mem_src(&codec, file.data(), file.size());
     jpeg_read_header(&codec, TRUE);
     codec.scale_num = 1;
     codec.scale_denom = 8;
-    codec.out_color_space = JCS_EXT_BGR;
+    const bool inks = codec.num_components == 4;
+    codec.out_color_space = inks ? JCS_CMYK : JCS_EXT_BGR;
     jpeg_start_decompress(&codec);
     auto block = CreateDIB(static_cast<int>(codec.output_width), static_cast<int>(codec.output_height), 24);
     const DibRows rows(block);
+    Bytes row(codec.output_width * 4);
+    JSAMPROW to[1] = {row.data()};
     for (int y = 0; y < rows.Height(); ++y) {
-        JSAMPROW row[1] = {rows.PictureRow(y)};
-        jpeg_read_scanlines(&codec, row, 1);
+        jpeg_read_scanlines(&codec, to, 1);
+        for (std::size_t i = 0; i < codec.output_width * 3; ++i) {
+            const auto* pixel = row.data() + i / 3 * 4;
+            rows.PictureRow(y)[i] = inks ? static_cast<std::uint8_t>(pixel[2 - i % 3] * pixel[3] / 255) : row[i];
+        }
     }
     jpeg_destroy_decompress(&codec);
     return block;
 }
 
-// A grainy picture as another program may write it.
-struct Grain {
-    int width, height, across = 1, down = 1, quality = 75;
-    bool grey = false, optimal = false, progressive = false;
-    unsigned restart = 0;
-};
+using Script = std::vector<jpeg_scan_info>;
 
-Bytes MakeGrain(const Grain& g) {
-    jpeg_compress_struct codec;
-    jpeg_error_mgr errors;
-    codec.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&codec);
-    unsigned char* data = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&codec, &data, &size);
-    codec.image_width = static_cast<JDIMENSION>(g.width);
-    codec.image_height = static_cast<JDIMENSION>(g.height);
-    codec.input_components = g.grey ? 1 : 3;
-    codec.in_color_space = g.grey ? JCS_GRAYSCALE : JCS_RGB;
-    jpeg_set_defaults(&codec);
-    jpeg_set_quality(&codec, g.quality, TRUE);
-    codec.comp_info[0].h_samp_factor = g.across;
-    codec.comp_info[0].v_samp_factor = g.down;
-    codec.optimize_coding = g.optimal;
-    codec.restart_interval = g.restart;
-    if (g.progressive) jpeg_simple_progression(&codec);
-    jpeg_start_compress(&codec, TRUE);
-    std::uint32_t seed = static_cast<std::uint32_t>(g.width * g.quality);
-    Bytes row(static_cast<std::size_t>(g.width * codec.input_components));
-    JSAMPROW rows[1] = {row.data()};
-    for (int y = 0; y < g.height; ++y) {
+jpeg_scan_info Scan(std::initializer_list<int> components, int from, int to, int high, int low) {
+    jpeg_scan_info scan{static_cast<int>(components.size()), {}, from, to, high, low};
+    std::copy(components.begin(), components.end(), scan.component_index);
+    return scan;
+}
+
+// A grainy picture, grainiest above.
+Bytes MakeGrain(const ForeignJpeg& format) {
+    auto seed = static_cast<std::uint32_t>(format.width * format.quality);
+    return WriteForeignJpeg(format, [&](int y, Bytes& row) {
         for (std::size_t x = 0; x < row.size(); ++x) {
             seed = seed * 1664525 + 1013904223;
             const auto edge = x / 40 % 3 == 0 ? 200u : 30u;
             const auto grain = (seed >> 24) / (1 + static_cast<unsigned>(y) / 64);
             row[x] = static_cast<std::uint8_t>(std::min<std::size_t>(255, edge + grain + x % 3 * 20));
         }
-        jpeg_write_scanlines(&codec, rows, 1);
-    }
-    jpeg_finish_compress(&codec);
-    jpeg_destroy_compress(&codec);
-    Bytes file(data, data + size);
-    std::free(data);
-    return file;
+    });
+}
+
+// Whole components one by one; a progressive file with chroma in bands of their own, with tables of their own.
+const Script kOneByOne = {Scan({0}, 0, 63, 0, 0), Scan({2}, 0, 63, 0, 0), Scan({1}, 0, 63, 0, 0)};
+const Script kBands = {
+    Scan({0, 1, 2}, 0, 0, 0, 2), Scan({0}, 1, 63, 0, 0), Scan({1}, 1, 5, 0, 2),       Scan({1}, 6, 63, 0, 2),
+    Scan({2}, 1, 63, 0, 1),      Scan({1}, 1, 63, 2, 1), Scan({0}, 0, 0, 2, 1),       Scan({1, 2}, 0, 0, 2, 1),
+    Scan({1}, 1, 63, 1, 0),      Scan({2}, 1, 63, 1, 0), Scan({0, 1, 2}, 0, 0, 1, 0),
+};
+
+DibBlock ShortEighth(const Bytes& file) {
+    jpeg_decompress_struct codec;
+    jpeg_error_mgr errors;
+    codec.err = jpeg_std_error(&errors);
+    jpeg_create_decompress(&codec);
+    jpeg_mem_src(&codec, file.data(), file.size());
+    jpeg_read_header(&codec, TRUE);
+    auto block = ReadJpegEighth(file, codec);
+    jpeg_destroy_decompress(&codec);
+    return block;
+}
+
+bool IsTheLibrarys(const Bytes& file) {
+    PictureFacts facts;
+    return std::ranges::equal(Read(file, true, facts).Span(), LibraryEighth(file).Span());
 }
 
 TEST(Jpeg, EighthIsTheLibrarysToTheByte) {
-    const Grain cases[] = {
+    const ForeignJpeg cases[] = {
         {320, 304},
         {333, 301, 2, 2},
         {333, 301, 2, 1},
         {333, 301, 1, 2},
-        {317, 309, 2, 2, 100, false, true},
-        {317, 309, 1, 1, 98, false, true},
+        {317, 309, 2, 2, 100, JCS_YCbCr, true},
+        {317, 309, 1, 1, 98, JCS_YCbCr, true},
         {400, 300, 2, 2, 5},
-        {301, 347, 1, 1, 60, true},
-        {301, 347, 2, 2, 60, true, true},
-        {333, 301, 2, 2, 90, false, false, false, 3},
-        {333, 301, 1, 1, 90, true, true, false, 1},
+        {301, 347, 1, 1, 60, JCS_GRAYSCALE},
+        {301, 347, 2, 2, 60, JCS_GRAYSCALE, true},
+        {333, 301, 2, 2, 90, JCS_YCbCr, false, false, 3},
+        {333, 301, 1, 1, 90, JCS_GRAYSCALE, true, false, 1},
         {333, 301, 4, 1},
-        {333, 301, 2, 2, 75, false, true, true},
+        {333, 301, 4, 2},
+        {1200, 301, 2, 2, 100, JCS_RGB},
+        {333, 301, 2, 2, 80, JCS_CMYK},
+        {333, 301, 2, 2, 80, JCS_YCCK},
+        {333, 301, 2, 2, 75, JCS_YCbCr, true, true},
+        {333, 301, 2, 2, 97, JCS_YCbCr, true, true, 5},
+        {333, 301, 1, 1, 97, JCS_YCCK, true, true},
+        {333, 301, 2, 2, 80, JCS_YCbCr, true, false, 0, kOneByOne},
+        {333, 301, 2, 1, 80, JCS_YCbCr, false, false, 4, kOneByOne},
+        {333, 301, 2, 2, 90, JCS_YCbCr, true, false, 7, kBands},
+        {333, 301, 1, 1, 90, JCS_YCbCr, true, false, 0, kBands},
     };
     for (const auto& g : cases) {
         const auto file = MakeGrain(g);
-        PictureFacts facts;
-        const auto block = Read(file, true, facts), library = LibraryEighth(file);
-        ASSERT_EQ(DIBWidth(block), DIBWidth(library));
-        EXPECT_TRUE(std::ranges::equal(block.Span(), library.Span()))
-            << g.width << "x" << g.height << " " << g.across << g.down << " " << g.quality;
+        EXPECT_TRUE(std::ranges::equal(ShortEighth(file).Span(), LibraryEighth(file).Span()))
+            << g.width << "x" << g.height << " " << g.across << g.down << " " << g.quality << " " << g.space;
     }
 }
 
-TEST(Jpeg, DamagedPreviewsGoTheLibrarysWay) {
-    const auto file = MakeGrain({301, 301, 2, 2, 50, false, true, false, 20});
+TEST(Jpeg, DamagedPreviewsAreTheLibrarysToo) {
+    for (const auto& script : {Script{}, kOneByOne}) {
+        const auto file = MakeGrain({301, 301, 2, 1, 50, JCS_YCbCr, true, false, 20, script});
+        for (std::size_t size = 700; size < file.size(); size += 2997)
+            EXPECT_TRUE(IsTheLibrarys(Bytes(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(size)))) << size;
+        for (std::size_t i = 700; i < file.size(); i += 611) {
+            auto damaged = file;
+            damaged[i] ^= 0x5A;
+            EXPECT_TRUE(IsTheLibrarys(damaged)) << i;
+        }
+    }
+}
+
+// What is left out may be missing: the means have come before.
+TEST(Jpeg, ProgressivePreviewsNeedTheMeansOnly) {
+    const auto file = MakeGrain({304, 304, 1, 1, 90, JCS_YCbCr, true, false, 0, kBands});
+    const auto head = MakeGrain({304, 304, 1, 1, 90, JCS_YCbCr, true, false, 0, {kBands.begin(), kBands.begin() + 1}});
     PictureFacts facts;
-    for (std::size_t size = 600; size < file.size(); size += 997)
-        EXPECT_EQ(DIBWidth(Read(ByteSpan(file).first(size), true, facts)), 38);
-    for (std::size_t i = 600; i < file.size(); i += 211) {
+    const auto whole = Read(file, true, facts), early = Read(Bytes(file.begin(), file.begin() + 9000), true, facts);
+    ASSERT_EQ(DIBWidth(early), 38);
+    EXPECT_LT(head.size(), 9000u);
+    for (int y = 0; y < 38; ++y) {
+        for (int x = 0; x < 38; ++x) EXPECT_LT(Distance(At(whole, x, y), At(early, x, y)), 24) << x << " " << y;
+    }
+    for (std::size_t i = 700; i < file.size(); i += 311) {
         auto damaged = file;
         damaged[i] ^= 0x5A;
         const auto block = Read(damaged, true, facts);
