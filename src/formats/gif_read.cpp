@@ -172,8 +172,9 @@ public:
 
 private:
     void Dispose() {
-        if (m_disposal != DISPOSE_BACKGROUND && m_disposal != DISPOSE_PREVIOUS) return;
-        const auto bytes = static_cast<std::size_t>(std::max(0, m_place.Width())) * 4;
+        // A frame beside the screen leaves nothing behind.
+        if ((m_disposal != DISPOSE_BACKGROUND && m_disposal != DISPOSE_PREVIOUS) || m_place.Empty()) return;
+        const auto bytes = static_cast<std::size_t>(m_place.Width()) * 4;
         for (int y = m_place.top; y < m_place.bottom; ++y) {
             auto* row = m_surface.PictureRow(y) + std::ptrdiff_t{4} * m_place.left;
             if (m_disposal == DISPOSE_BACKGROUND) {
