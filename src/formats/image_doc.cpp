@@ -31,7 +31,6 @@ CVniLayer& CImageDoc::AddLayer(CVniImage& image) {
     auto& layer = image.m_arrLayers.emplace_back();
     const auto number = image.m_arrLayers.size() - 1;
     layer.m_strName = number == 0 ? "Background" : fmt::format("Layer {}", number);
-    layer.m_Rect = {0, 0, image.m_Size.width - 1, image.m_Size.height - 1};
     SetModifiedFlag();
     return layer;
 }

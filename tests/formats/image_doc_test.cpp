@@ -43,7 +43,9 @@ TEST_F(ImageDocTest, ANewDocumentAndItsCopy) {
     ASSERT_EQ(object.images.size(), 1u);
     EXPECT_EQ(object.images[0].m_strName, "Image1");
     EXPECT_EQ(object.images[0].m_Size, (Size{8, 4}));
-    EXPECT_EQ(object.images[0].m_arrLayers[0].m_strName, "Background");
+    VniLayerFields expected;
+    expected.m_strName = "Background";
+    EXPECT_EQ(static_cast<const VniLayerFields&>(object.images[0].m_arrLayers[0]), expected);
 
     const auto path = folder.Path("a.vio");
     ASSERT_TRUE(document.SaveACopy(path));
