@@ -124,7 +124,7 @@ int CIconGroup::FindBestValues(int size, int depthValue) const {
 }
 
 std::string CIconGroup::GetSizeText(std::optional<int> number) const {
-    const auto formats = Counted(GetCount(), "format");
+    const auto formats = Counted(m_arrIcons.size(), "format");
     return number ? fmt::format("(#{}, {})", *number, formats) : "(" + formats + ")";
 }
 
