@@ -34,6 +34,7 @@ bool CFileExeDoc::OnOpenDocument(const std::string& path) {
         m_nMode = found.mode;
         m_arrIds.insert(found.idTable.begin(), found.idTable.end());
         m_arrUnreadIds = {found.unreadIds.begin(), found.unreadIds.end()};
+        KeepUndecoded(found);
         m_bComplete = found.complete;
         isProgram = PeImage::Parse(file.Data()).has_value();
         if (m_nMode == ProgramMode::Restricted) {
@@ -51,6 +52,18 @@ bool CFileExeDoc::OnOpenDocument(const std::string& path) {
     }
     SetModifiedFlag(false);
     return true;
+}
+
+void CFileExeDoc::KeepUndecoded(const IconResources& found) {
+    std::set<int> decoded;
+    for (const auto& icon : m_arrIcons) {
+        for (const auto& image : icon->m_arrIcons) decoded.insert(image->m_nResourceId);
+    }
+    for (const auto& group : found.groups) {
+        for (const auto& image : group.images) {
+            if (!decoded.contains(image.id)) m_arrUnreadIds.insert(image.id);
+        }
+    }
 }
 
 void CFileExeDoc::DeleteContents() {

@@ -71,6 +71,8 @@ private:
     [[nodiscard]] bool MayCopy(const std::string& source, const std::string& path);
     [[nodiscard]] bool FailToCopy(const std::string& path, const FileException& failure);
     [[nodiscard]] bool Fail(const std::string& path, const std::string& suffix);
+    /// Images that icons name and that turned out to be damaged must not be taken for orphans.
+    void KeepUndecoded(const IconResources& found);
     void RebuildIdTable();
     void Saved(const std::string& path);
 

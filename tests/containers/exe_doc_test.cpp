@@ -397,6 +397,35 @@ TEST(ExeDoc, ACompressedImageNeedsItsSizeInTheDirectory) {
     }
 }
 
+TEST(ExeDoc, ADamagedImageStaysInTheFile) {
+    CVnIcon icon;
+    ASSERT_TRUE(icon.ReadFromMemory(MakeIcon("", {{256, 256, 32}})->GetIcon(0)->m_hImage, 0, 0));
+    auto png = icon.WriteCompressed();
+    std::fill(png.begin() + 60, png.end() - 20, std::uint8_t{0});
+    const auto block = MakeIcon("", {k16})->GetIcon(0)->m_hImage;
+    std::vector<GroupDirectoryEntry> entries(2);
+    for (std::uint16_t i = 0; i < 2; ++i) {
+        entries[i].id = static_cast<std::uint16_t>(i + 1);
+        entries[i].bytes = static_cast<std::uint32_t>(png.size());
+        entries[i].bits = 32;
+    }
+    const auto directory = WriteGroupDirectory(entries);
+    ResourceTree tree;
+    tree.Set(kResourceIcon, 1, 0, block);
+    tree.Set(kResourceIcon, 2, 0, png);
+    tree.Set(kResourceIcon, 3, 0, block);
+    tree.Set(kResourceGroupIcon, 1, 0, directory);
+    test::PeSpec spec;
+    test::AddResources(spec, tree);
+    Opened o(test::BuildPe(spec));
+    ASSERT_EQ(o.document.GetCount(), 1);
+    ASSERT_EQ(o.document.GetIcon(0)->GetCount(), 1);
+    ASSERT_TRUE(o.document.AddIcon(*MakeIcon("", {k48}), 2, 0));
+    ASSERT_TRUE(o.document.OnSaveDocument(o.path));
+    EXPECT_EQ(o.Ids(kResourceIcon), (std::vector<int>{1, 2, 3})) << "3 was free, 2 was not";
+    EXPECT_EQ(o.Tree().Find(kResourceIcon, 2, 0)->bytes.size(), png.size());
+}
+
 // One image in very many languages, none of which is an image, and a directory that names it again and again.
 TEST(ExeDoc, DirectoriesThatShareTheirImagesDoNotMultiply) {
     ResourceTree tree;
