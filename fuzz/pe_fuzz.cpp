@@ -1,9 +1,15 @@
-// Program images: read both ways, then change the resources and read what was written.
+// Program images: read both ways, then change the resources and read what was written; last the way that a save under
+// another name takes, from file to file.
+#include "base/files.h"
+#include "containers/exe_doc.h"
 #include "containers/pe_resources.h"
 #include "containers/program_file.h"
+#include "core/services.h"
+#include "core/user_prompt.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <unistd.h>
 
 using namespace pelorin;
 
@@ -64,6 +70,58 @@ void ChangeAndReadAgain(const PeImage& image, std::size_t added) {
     Expect(second == ResourceChange::Done || second == ResourceChange::NoRoom);
 }
 
+bool SameBytes(ByteSpan a, ByteSpan b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end());
+}
+
+bool SameGroup(const IconGroupRef& a, const IconGroupRef& b) {
+    const auto same = [](const IconImageRef& x, const IconImageRef& y) {
+        return x.id == y.id && x.language == y.language && SameBytes(x.data, y.data);
+    };
+    return a.id == b.id && a.name == b.name && a.language == b.language &&
+           std::equal(a.images.begin(), a.images.end(), b.images.begin(), b.images.end(), same);
+}
+
+/// The first icon gets one new image. All other icons are the same afterwards, and so is the file that was read.
+void ReplaceAndSaveAs(ByteSpan file) {
+    const auto source = "/dev/shm/pelorin-fuzz-" + std::to_string(getpid()) + ".exe", target = source + ".new";
+    WriteFileSafely(source, file);
+    ScriptedPrompt prompt;
+    Services services;
+    services.prompt = &prompt;
+    CFileExeDoc document(services);
+    document.m_pixels = Pixels::None;
+    document.m_bDropSignature = true;
+    CIconGroup fresh;
+    CVnIcon image;
+    if (!image.Create(16, 16, 16, false)) std::abort();
+    fresh.Append(std::move(image));
+    if (document.OnOpenDocument(source) && document.GetMode() >= ProgramMode::Full) {
+        document.SetPathName(source, false);
+        document.OpenInFullMode();
+        const auto before = FindIcons(file);
+        const int id = document.GetIcon(0)->m_nResourceId;
+        Expect(document.ReplaceIcon(0, fresh));
+        if (document.OnSaveDocument(target)) {
+            const auto view = FileView::Open(target);
+            const auto after = FindIcons(view.Data());
+            Expect(after.groups.size() == before.groups.size());
+            for (const auto& group : before.groups) {
+                const auto same = [&](const auto& other) { return SameGroup(group, other); };
+                Expect(&group == &before.groups.front() || std::ranges::any_of(after.groups, same));
+            }
+            Expect(std::ranges::any_of(after.groups, [&](const auto& group) {
+                return group.id == id && group.images.size() == 1 && group.images[0].width == 16;
+            }));
+        } else {
+            Expect(SameBytes(FileView::Open(target).Data(), file)); // what a save that fails leaves
+        }
+        Expect(SameBytes(FileView::Open(source).Data(), file));
+    }
+    DeleteFile(source);
+    DeleteFile(target);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -75,6 +133,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (const auto image = PeImage::Parse(file)) {
         ChangeAndReadAgain(*image, 3);
         ChangeAndReadAgain(*image, 20000);
+        if (!found.groups.empty()) ReplaceAndSaveAs(file);
     }
     return 0;
 }

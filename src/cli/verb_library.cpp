@@ -7,6 +7,7 @@
 #include "containers/icon_container_view.h"
 #include "containers/icon_import.h"
 #include "containers/program_file.h"
+#include "core/file_kinds.h"
 #include "core/services.h"
 #include "core/temp_files.h"
 #include "icon/icon_format.h"
@@ -56,6 +57,7 @@ public:
             if (FindExecutableSignature(file.Data()).kind == ExecutableKind::None) {
                 throw FileException("this is not an icon library");
             }
+            m_isProgram = GetFileKind(options.file) != kKindIconLibrary && !FindIcons(file.Data()).hasLibraryNames;
         }
         if (options.form) document.m_form = *options.form;
     }
@@ -85,6 +87,10 @@ public:
     void Save() { SaveTo(OutputPath(m_run, m_options.file, "", ExtensionOf(m_options.file), false)); }
 
     void SaveTo(const std::string& path) {
+        if (m_isProgram && SameFile(path, m_options.file)) {
+            throw FileException("this is a program, of which a library would keep the icons alone: "
+                                "write to another file, or change its icons with the program verbs");
+        }
         if (!SaveDocument(m_run, document, m_prompt, path)) return;
         m_run.Note(fmt::format("{}  {}, {}", Printable(path), Counted(document.GetCount(), "icon"),
                                BytesText(FileSize(path))));
@@ -95,6 +101,7 @@ private:
     RunPrompt m_prompt;
     const LibraryOptions& m_options;
     Services m_services;
+    bool m_isProgram = false;
 
 public:
     CFileIclDoc document{m_services};
@@ -102,6 +109,7 @@ public:
 };
 
 void Create(Run& run, const LibraryOptions& options) {
+    if (!run.Options().output.empty()) throw UsageError("the library to make is the first argument, without --output");
     LibraryInput library(run, options, true);
     if (!library.Import(-1) && !options.rest.empty()) throw FileException("none of the files has icons");
     library.SaveTo(options.file);

@@ -9,7 +9,8 @@
 #include "containers/icon_import.h"
 #include "containers/program_file.h"
 #include "core/services.h"
-#include "icon/icon_format.h"
+#include "icon/format_order.h"
+#include "icon/icon_sources.h"
 
 #include <fmt/format.h>
 
@@ -92,18 +93,37 @@ public:
     CFileExeDoc document{m_services};
 };
 
+FileView OpenProgram(const std::string& file) {
+    auto view = FileView::Open(file);
+    if (FindExecutableSignature(view.Data()).kind != ExecutableKind::None) return view;
+    throw FileException("this is not a program file");
+}
+
 IconGroups IconsFrom(const std::string& path) {
-    auto icons = LoadIconsOf(path);
-    if (icons.empty()) throw FileException(fmt::format("\"{}\" holds no icons", path));
-    return icons;
+    try {
+        auto icons = LoadIconsOf(path);
+        if (icons.empty()) throw FileException("it holds no icons");
+        return icons;
+    } catch (const FileException& error) {
+        throw FileException(fmt::format("cannot take icons from \"{}\": {}", path, error.what()));
+    }
 }
 
 // ---- program list ----
 
+/// In the order in which all lists show formats.
+std::vector<IconImageRef> ForDisplay(std::vector<IconImageRef> images) {
+    const auto key = [](const IconImageRef& image) {
+        return DisplayKey({image.width, image.height, image.ShownBits()});
+    };
+    std::ranges::stable_sort(images, {}, key);
+    return images;
+}
+
 void WriteFormats(JsonWriter& json, const IconGroupRef& icon) {
     json.Key("formats");
     json.BeginArray();
-    for (const auto& image : icon.images) {
+    for (const auto& image : ForDisplay(icon.images)) {
         json.BeginObject();
         json.Field("width", image.width);
         json.Field("height", image.height);
@@ -123,7 +143,9 @@ void WriteProgram(JsonWriter& json, const std::string& file, ByteSpan bytes, con
     const auto image = PeImage::Parse(bytes);
     json.BeginObject();
     json.Field("file", file);
-    json.Field("kind", image ? "pe" : "ne");
+    const auto* source = FindIconSource(bytes, GetFileKind(file));
+    json.Field("kind", source ? source->name : "exe");
+    json.Field("form", image ? "pe" : "ne");
     json.Field("extra_bytes", static_cast<std::int64_t>(image ? FindExtraData(*image).size() : 0));
     json.Field("signed", image && IsSigned(*image));
     json.Key("icons");
@@ -145,7 +167,7 @@ std::string ProgramTable(const IconResources& found) {
     int number = 0;
     for (const auto& icon : found.groups) {
         std::string formats;
-        for (const auto& image : icon.images) {
+        for (const auto& image : ForDisplay(icon.images)) {
             if (!formats.empty()) formats += ", ";
             formats += fmt::format("{}x{} {}", image.width, image.height, DepthName(image.ShownBits(), icon.macintosh));
         }
@@ -161,10 +183,7 @@ void ListPrograms(Run& run, const std::vector<std::string>& files) {
     const bool asJson = run.Options().json;
     if (asJson) json.BeginArray();
     run.ForEach(files, [&](const std::string& file) {
-        const auto view = FileView::Open(file);
-        if (FindExecutableSignature(view.Data()).kind == ExecutableKind::None) {
-            throw FileException("this is not a program file");
-        }
+        const auto view = OpenProgram(file);
         const auto found = FindIcons(view.Data());
         if (asJson) {
             WriteProgram(json, file, view.Data(), found);
@@ -181,7 +200,7 @@ void ListPrograms(Run& run, const std::vector<std::string>& files) {
 // ---- program extract ----
 
 void ExtractFrom(Run& run, const ProgramOptions& options) {
-    const auto view = FileView::Open(options.file);
+    const auto view = OpenProgram(options.file);
     const auto found = FindIcons(view.Data());
     const auto labels = LabelsOf(found);
     auto wanted = options.rest;
@@ -213,6 +232,7 @@ void ReplaceIn(Run& run, const ProgramOptions& options) {
 }
 
 void AddTo(Run& run, const ProgramOptions& options) {
+    if (options.id && !options.name.empty()) throw UsageError("--id and --name exclude each other");
     ProgramInput input(run, options, true);
     auto& document = input.document;
     int added = 0;
@@ -245,9 +265,14 @@ void RemoveFrom(Run& run, const ProgramOptions& options) {
 void CopyIcons(Run& run, const ProgramOptions& options) {
     ProgramInput input(run, options, true);
     auto& document = input.document;
-    const auto view = FileView::Open(options.source);
-    const auto found = FindIcons(view.Data());
-    if (found.groups.empty()) throw FileException(fmt::format("\"{}\" holds no icons", options.source));
+    FileView view;
+    IconResources found;
+    run.Attempt(options.source, [&] {
+        view = OpenProgram(options.source);
+        found = FindIcons(view.Data());
+        if (found.groups.empty()) throw FileException("the file has no icons");
+    });
+    if (found.groups.empty()) return;
     int replaced = 0, added = 0;
     for (const auto& ref : found.groups) {
         const auto icon = LoadIcon(ref);

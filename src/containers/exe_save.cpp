@@ -213,7 +213,10 @@ bool CFileExeDoc::SaveByUpdate(const std::string& source, const std::string& pat
     if (!update) return failWith(kErrorBegin);
     update->WriteTo(path);
     if (!MergeEditors(path)) return false;
-    if (m_arrIcons.empty()) return failWith(kErrorNoIcons);
+    if (m_arrIcons.empty()) {
+        m_strReason = "a program file keeps at least one icon";
+        return failWith(kErrorNoIcons);
+    }
 
     Update steps(*this, *update);
     int error = steps.DeleteOrphans();

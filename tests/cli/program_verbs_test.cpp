@@ -120,6 +120,37 @@ TEST_F(ContainerVerbs, AProgramGetsChangesAndLosesIcons) {
     }
 }
 
+TEST_F(ContainerVerbs, WhatCannotBeMeantIsRefused) {
+    PutProgram("p.exe");
+    PutIcon("a.ico", {k16}, 1);
+    ASSERT_EQ(Run({"program", "add", "p.exe", "a.ico", "--in-place"}).exitCode, 0);
+    const auto file = Get("p.exe");
+    const struct {
+        std::vector<std::string> arguments;
+        int exitCode;
+        const char* told;
+    } cases[] = {
+        {{"library", "rename", "p.exe", "New", "1", "--in-place"}, 1, "p.exe: this is a program"},
+        {{"library", "sort", "p.exe", "-o", "p.exe", "--force"}, 1, "p.exe: this is a program"},
+        {{"library", "create", "l.icl", "a.ico", "-o", "m.icl"}, 2, "without --output"},
+        {{"program", "add", "p.exe", "a.ico", "--id", "3", "--name", "x"}, 2, "exclude each other"},
+        {{"program", "replace", "p.exe", "1", "none.ico"}, 1, "p.exe: cannot take icons from \"none.ico\": No such"},
+        {{"program", "copy-icons", "none.exe", "p.exe", "--in-place"}, 1, "none.exe: No such file"},
+        {{"program", "extract", "a.ico"}, 1, "a.ico: this is not a program file"},
+        {{"program", "remove", "p.exe", "1", "--in-place"}, 1, "(error code 109): a program file keeps at least one"},
+    };
+    for (const auto& c : cases) {
+        const auto ran = Run(c.arguments);
+        EXPECT_EQ(ran.exitCode, c.exitCode) << c.told;
+        EXPECT_THAT(ran.err, HasSubstr(c.told));
+        EXPECT_EQ(Get("p.exe"), file) << c.told;
+    }
+    EXPECT_EQ(ListFolder(m_folder.Path()).size(), 2u) << "no file was made";
+    EXPECT_EQ(Run({"library", "rename", "p.exe", "New", "1", "-o", "p.icl"}).exitCode, 0);
+    EXPECT_THAT(IconNames("p.icl"), ElementsAre("New"));
+    EXPECT_EQ(Run({"library", "rename", "p.icl", "Newer", "1", "--in-place"}).exitCode, 0);
+}
+
 TEST_F(ContainerVerbs, ASignedProgramNeedsAWord) {
     PutProgram("p.exe");
     PutIcon("a.ico", {k16}, 1);
