@@ -296,6 +296,8 @@ SafeFile::SafeFile(std::string_view path, Existing existing) : m_target(FinalTar
     const bool exists = stat(m_target.c_str(), &info) == 0;
     if (exists && S_ISDIR(info.st_mode)) throw FileException("a folder of this name exists");
     if (exists && existing == Existing::Keep) throw FileException("the file exists already");
+    // A file that took the place of a device or pipe would be the end of it.
+    if (exists && !S_ISREG(info.st_mode)) throw FileException("this is not a plain file");
     if (exists && access(m_target.c_str(), W_OK) != 0) Throw(errno);
 
     m_temporary = std::string(FolderOf(m_target)) + ".pelorin-XXXXXX";

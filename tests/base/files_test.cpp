@@ -113,6 +113,15 @@ TEST(SafeFile, KeepRefusesAnExistingName) {
     EXPECT_EQ(ContentOf(folder.Path("c")), "new");
 }
 
+TEST(SafeFile, TakesThePlaceOfPlainFilesOnly) {
+    const TempFolder folder;
+    ASSERT_EQ(mkfifo(folder.Path("pipe").c_str(), 0600), 0);
+    for (const auto& path : {folder.Path("pipe"), folder.Path(), std::string("/dev/null")}) {
+        EXPECT_THROW(SafeFile{path}, FileException) << path;
+    }
+    EXPECT_EQ(ListFolder(folder.Path()).size(), 1u);
+}
+
 TEST(SafeFile, KeepLeavesNoTemporaryFile) {
     const TempFolder folder;
     WriteFileSafely(folder.Path("c"), AsBytes("new"), Existing::Keep);
