@@ -101,11 +101,12 @@ void ForgetUnfinished(const std::string& path) {
     }
 }
 
-// Follows links, so that a save through a link changes the file that the link means.
-std::string FinalTarget(std::string_view path) {
+// Follows links, so that a save through a link changes the file that the link means; tells what stands there.
+std::string FinalTarget(std::string_view path, struct stat& info, bool& exists) {
     const auto wanted = SystemPath(path);
-    struct stat info;
-    if (lstat(wanted.c_str(), &info) != 0 || !S_ISLNK(info.st_mode)) return wanted;
+    exists = lstat(wanted.c_str(), &info) == 0;
+    if (!exists || !S_ISLNK(info.st_mode)) return wanted;
+    exists = stat(wanted.c_str(), &info) == 0;
     if (char* resolved = realpath(wanted.c_str(), nullptr)) {
         std::string out(resolved);
         std::free(resolved);
@@ -169,6 +170,11 @@ std::string SystemPath(std::string_view path) {
 bool FileExists(std::string_view path) {
     struct stat info;
     return Stat(path, info) && !S_ISDIR(info.st_mode);
+}
+
+bool PathExists(std::string_view path) {
+    struct stat info;
+    return Stat(path, info);
 }
 
 bool FolderExists(std::string_view path) {
@@ -291,9 +297,10 @@ Bytes ReadFileStart(std::string_view path, std::size_t count) {
     return bytes;
 }
 
-SafeFile::SafeFile(std::string_view path, Existing existing) : m_target(FinalTarget(path)), m_existing(existing) {
+SafeFile::SafeFile(std::string_view path, Existing existing) : m_existing(existing) {
     struct stat info;
-    const bool exists = stat(m_target.c_str(), &info) == 0;
+    bool exists = false;
+    m_target = FinalTarget(path, info, exists);
     if (exists && S_ISDIR(info.st_mode)) throw FileException("a folder of this name exists");
     if (exists && existing == Existing::Keep) throw FileException("the file exists already");
     // A file that took the place of a device or pipe would be the end of it.

@@ -34,6 +34,7 @@ public:
 // ---- questions and small deeds ----
 
 [[nodiscard]] bool FileExists(std::string_view path); ///< anything but a folder
+[[nodiscard]] bool PathExists(std::string_view path); ///< a file or a folder
 [[nodiscard]] bool FolderExists(std::string_view path);
 /// True when nobody may write the file.
 [[nodiscard]] bool IsReadOnlyFile(std::string_view path);

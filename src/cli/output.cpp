@@ -11,7 +11,7 @@ namespace {
 std::string FreeName(Run& run, const std::string& folder, const std::string& stem, std::string_view extension) {
     const bool force = run.Options().force;
     const auto free = [&](const std::string& path) {
-        const bool exists = FolderExists(path) || (!force && FileExists(path));
+        const bool exists = force ? FolderExists(path) : PathExists(path);
         return !exists && run.Claim(path);
     };
     auto path = JoinPath(folder, fmt::format("{}.{}", stem, extension));
