@@ -107,8 +107,12 @@ bool IsValidUtf8(std::string_view text) {
     return true;
 }
 
-std::string Counted(std::uint64_t count, std::string_view one) {
+std::string Counted(std::size_t count, std::string_view one) {
     return std::to_string(count).append(" ").append(one).append(count == 1 ? "" : "s");
+}
+
+std::string Counted(int count, std::string_view one) {
+    return Counted(static_cast<std::size_t>(count), one);
 }
 
 std::string Windows1252ToUtf8(std::string_view text) {

@@ -24,7 +24,8 @@ namespace pelorin {
 [[nodiscard]] std::vector<std::string> Split(std::string_view text, char separator);
 [[nodiscard]] std::string ReplaceAll(std::string text, std::string_view what, std::string_view with);
 /// "1 icon", "3 icons".
-[[nodiscard]] std::string Counted(std::uint64_t count, std::string_view one);
+[[nodiscard]] std::string Counted(std::size_t count, std::string_view one);
+[[nodiscard]] std::string Counted(int count, std::string_view one);
 
 [[nodiscard]] bool IsValidUtf8(std::string_view text);
 [[nodiscard]] std::string Windows1252ToUtf8(std::string_view text);
