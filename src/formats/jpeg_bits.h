@@ -35,9 +35,11 @@ struct JpegWindow {
     /// The code at the front, which is not dropped yet; of length 0 when there is none. To be called with
     /// `JpegCodeTable::kSymbolWindow` bits known; refills, and the look into the table goes on meanwhile.
     JpegCodeTable::Code Symbol(const JpegCodeTable& table) {
-        const auto& code = table.Symbol(window);
+        const auto code = table.Symbol(window);
         Refill();
-        return code.length != 0 ? code : table.LongSymbol(window);
+        if (code.length == 0) [[unlikely]]
+            return table.LongSymbol(window);
+        return code;
     }
     /// The value of the code at the front; those with a leading 0 are negative.
     [[nodiscard]] int ValueOf(const JpegCodeTable::Code& code) const {

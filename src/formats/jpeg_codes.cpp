@@ -13,7 +13,8 @@ JpegCodeTable::Code MakeCode(int symbol, int length) {
 
 bool JpegCodeTable::Build(const JpegCodes& codes, bool first) {
     if (!codes.there) return false;
-    m_codes = {};
+    m_windowLengths = {};
+    m_windowBits = {};
     int code = 0, offset = 0;
     for (int length = 1; length <= 16; ++length) {
         const auto n = static_cast<std::size_t>(length);
@@ -27,8 +28,12 @@ bool JpegCodeTable::Build(const JpegCodes& codes, bool first) {
             if (first && symbol > 15) return false;
             m_symbols[static_cast<std::size_t>(offset)] = static_cast<std::uint8_t>(symbol);
             if (length > kSymbolWindow) continue;
-            std::fill_n(m_codes.begin() + (std::ptrdiff_t{code} << (kSymbolWindow - length)),
-                        1 << (kSymbolWindow - length), MakeCode(symbol, length));
+            const auto at = std::ptrdiff_t{code} << (kSymbolWindow - length);
+            const auto windows = 1 << (kSymbolWindow - length);
+            const auto made = MakeCode(symbol, length);
+            std::fill_n(m_windowSymbols.begin() + at, windows, made.symbol);
+            std::fill_n(m_windowLengths.begin() + at, windows, made.length);
+            std::fill_n(m_windowBits.begin() + at, windows, made.bits);
         }
         code <<= 1;
     }

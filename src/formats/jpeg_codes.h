@@ -41,7 +41,10 @@ public:
     /// For steps; costs as much as some thousand blocks of reading.
     void BuildSteps();
 
-    [[nodiscard]] const Code& Symbol(std::uint64_t window) const { return m_codes[window >> (64 - kSymbolWindow)]; }
+    [[nodiscard]] Code Symbol(std::uint64_t window) const {
+        const auto at = window >> (64 - kSymbolWindow);
+        return {m_windowSymbols[at], m_windowLengths[at], m_windowBits[at]};
+    }
     /// The code at the front of the window if it is a long one; a length of 0 when there is none.
     [[nodiscard]] Code LongSymbol(std::uint64_t window) const;
 
@@ -55,7 +58,8 @@ public:
     [[nodiscard]] static bool EndsBlock(int symbol) { return (symbol & 15) == 0 && symbol != 0xF0; }
 
 private:
-    std::array<Code, 1 << kSymbolWindow> m_codes{};
+    // In tables of single bytes: the bits are what all else waits for, and a processor finds a byte the soonest.
+    std::array<std::uint8_t, 1 << kSymbolWindow> m_windowSymbols{}, m_windowLengths{}, m_windowBits{};
     std::array<std::uint8_t, 1 << kStepsWindow> m_stepBits{}, m_stepPasses{};
     std::array<std::int32_t, 17> m_begin{}, m_end{}, m_offset{}; ///< codes of a length, and where its symbols begin
     std::array<std::uint8_t, 256> m_symbols{};

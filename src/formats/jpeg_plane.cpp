@@ -20,6 +20,17 @@ int Descale(std::uint32_t value, int bits) {
 constexpr std::array<std::int32_t, 8> kWeights = {1 << 15, 29692, 0, -10426, 0, 6967, 0, -5906};
 constexpr std::uint32_t kUnused = 16;
 
+std::uint32_t Weighted(int value, std::size_t coefficient) {
+    return static_cast<std::uint32_t>(value) * static_cast<std::uint32_t>(kWeights[coefficient]);
+}
+
+// Two samples side by side, from what the columns came to.
+void PutPair(std::uint8_t* to, int c0, int c1, int c3, int c5, int c7) {
+    const auto even = Weighted(c0, 0), odd = Weighted(c1, 1) + Weighted(c3, 3) + Weighted(c5, 5) + Weighted(c7, 7);
+    to[0] = ToSample(Descale(even + odd, 20));
+    to[1] = ToSample(Descale(even - odd, 20));
+}
+
 } // namespace
 
 void JpegPlane::Open(std::size_t columns, std::size_t rows, bool four, bool keepBlocks) {
@@ -43,17 +54,11 @@ void JpegPlane::SetSteps(const Steps& steps) {
 }
 
 void JpegPlane::Put(std::size_t column, std::size_t row, const JpegQuarters& sums) {
-    auto* to = m_samples.data() + 2 * row * m_stride + 2 * column;
-    for (int half = 0; half < 2; ++half, to += m_stride) {
-        std::uint32_t even = 0, odd = 0;
-        for (const std::size_t x : {0u, 1u, 3u, 5u, 7u}) {
-            const auto upDown = half == 0 ? sums[2 * x] + sums[2 * x + 1] : sums[2 * x] - sums[2 * x + 1];
-            (x == 0 ? even : odd) +=
-                static_cast<std::uint32_t>(Descale(upDown, 13)) * static_cast<std::uint32_t>(kWeights[x]);
-        }
-        to[0] = ToSample(Descale(even + odd, 20));
-        to[1] = ToSample(Descale(even - odd, 20));
-    }
+    auto* top = m_samples.data() + 2 * row * m_stride + 2 * column;
+    const auto above = [&](std::size_t x) { return Descale(sums[2 * x] + sums[2 * x + 1], 13); };
+    const auto below = [&](std::size_t x) { return Descale(sums[2 * x] - sums[2 * x + 1], 13); };
+    PutPair(top, above(0), above(1), above(3), above(5), above(7));
+    PutPair(top + m_stride, below(0), below(1), below(3), below(5), below(7));
 }
 
 void JpegPlane::PutFlat(std::size_t column, std::size_t row, int first) {
