@@ -92,9 +92,12 @@ void ReplaceAndSaveAs(ByteSpan file) {
     CFileExeDoc document(services);
     document.m_pixels = Pixels::None;
     document.m_bDropSignature = true;
+    ByteWriter block;
+    for (const std::uint32_t field : {40u, 16u, 32u, 4u << 16 | 1u}) block.U32LE(field);
+    block.Zeros(CVnIcon::BlockSize(16, 16, 16, false) - block.Size());
     CIconGroup fresh;
     CVnIcon image;
-    if (!image.Create(16, 16, 16, false)) std::abort();
+    Expect(image.ReadFromMemory(block.View(), 0, 0));
     fresh.Append(std::move(image));
     if (document.OnOpenDocument(source) && document.GetMode() >= ProgramMode::Full) {
         document.SetPathName(source, false);

@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <atomic>
 #include <new>
 
 namespace pelorin::cli {
@@ -17,6 +18,7 @@ namespace {
 
 /// Pictures up to this size compress well without filters.
 constexpr int kSmallSide = 64;
+constexpr const char* kNoMemory = "not enough memory";
 constexpr const char* kNothing = "nothing in it is what was asked for";
 
 struct ExtractOptions {
@@ -93,51 +95,50 @@ private:
         if (m_options.index && *m_options.index > count) {
             throw FileException(fmt::format("there is no icon {}, the last is {}", *m_options.index, count));
         }
+        const ExtractTarget target(m_kind != kKindNone ? m_kind : int{kKindIco});
+        if (target.saver) return TakeImages(input, *target.saver);
+        VisitChosen(input, [&](const LazyIcon& icon, int number) {
+            if (target.IsIco() && m_options.formats.empty()) {
+                WriteFile(fmt::format("_{}", number), "ico", icon.IcoFile(),
+                          m_options.files.size() > 1 || !m_options.index);
+            } else if (const auto group = icon.Load()) {
+                Take(*group, number, false);
+            }
+        });
+    }
+
+    template <class Visitor>
+    void VisitChosen(const IconInput& input, const Visitor& visitor) const {
         int number = 0;
         (void)input.source->visitLazily(input.view.Data(), [&](const LazyIcon& icon) {
             ++number;
-            if (!m_options.index || *m_options.index == number) TakeOneLazily(icon, number);
+            if (!m_options.index || *m_options.index == number) visitor(icon, number);
             return !m_options.index || number < *m_options.index;
         });
     }
 
-    void TakeOneLazily(const LazyIcon& icon, int number) {
-        const ExtractTarget target(m_kind != kKindNone ? m_kind : int{kKindIco});
-        if (target.saver) {
-            TakeImages(icon, *target.saver, number);
-        } else if (target.IsIco() && m_options.formats.empty()) {
-            WriteFile(fmt::format("_{}", number), "ico", icon.IcoFile(),
-                      m_options.files.size() > 1 || !m_options.index);
-        } else if (const auto group = icon.Load()) {
-            Take(*group, number, false);
-        }
-    }
+    struct Image {
+        int icon;
+        std::size_t index;
+        std::string name, path, failure;
+    };
 
-    // The images of one icon, each in its own file, on all cores.
-    void TakeImages(const LazyIcon& icon, const PictureSaver& saver, int number) {
-        struct Image {
-            std::size_t index;
-            std::string name, path, failure;
-        };
-        std::vector<Image> images;
-        const auto formats = icon.Outline().formats;
-        for (std::size_t i = 0; i < formats.size(); ++i) {
-            const auto& format = formats[i].format;
-            if (!Wanted(format)) continue;
-            images.push_back({i, fmt::format("{}_{}x{}x{}", number, format.width, format.height, format.bits), {}, {}});
-        }
-        const bool several = m_options.files.size() > 1 || images.size() > 1 || !m_options.index;
-        for (auto& image : images) {
-            image.path = OutputPath(m_run, m_input, "_" + image.name, saver.extension, several);
-        }
-        ParallelFor(images.size(), m_run.Options().jobs, [&](std::size_t i) {
-            auto& image = images[i];
+    // Every image in its own file, on all cores. The names are settled first, in the order of the file.
+    void TakeImages(const IconInput& input, const PictureSaver& saver) {
+        auto images = ImagesToTake(input, saver);
+        const auto jobs = m_run.Options().jobs == 0 ? CoreCount() : m_run.Options().jobs;
+        std::atomic<std::size_t> next{0};
+        // Each worker goes through the file by itself, since an icon is only there while it is visited.
+        ParallelFor(std::min<std::size_t>(jobs, images.size()), jobs, [&](std::size_t) {
+            auto mine = next++;
             try {
-                TakeImage(icon, image.index, saver, image.path);
-            } catch (const FileException& error) {
-                image.failure = error.what();
+                VisitChosen(input, [&](const LazyIcon& icon, int number) {
+                    for (; mine < images.size() && images[mine].icon == number; mine = next++) {
+                        TakeImage(icon, saver, images[mine]);
+                    }
+                });
             } catch (const std::bad_alloc&) {
-                image.failure = "not enough memory";
+                return; // the images that are left say so
             }
         });
         for (const auto& image : images) {
@@ -146,7 +147,36 @@ private:
         }
     }
 
-    void TakeImage(const LazyIcon& icon, std::size_t index, const PictureSaver& saver, const std::string& path) {
+    [[nodiscard]] std::vector<Image> ImagesToTake(const IconInput& input, const PictureSaver& saver) const {
+        std::vector<Image> images;
+        VisitChosen(input, [&](const LazyIcon& icon, int number) {
+            const auto formats = icon.Outline().formats;
+            for (std::size_t i = 0; i < formats.size(); ++i) {
+                const auto& format = formats[i].format;
+                if (!Wanted(format)) continue;
+                const auto name = fmt::format("{}_{}x{}x{}", number, format.width, format.height, format.bits);
+                images.push_back({number, i, name, {}, kNoMemory});
+            }
+        });
+        const bool several = m_options.files.size() > 1 || images.size() > 1 || !m_options.index;
+        for (auto& image : images) {
+            image.path = OutputPath(m_run, m_input, "_" + image.name, saver.extension, several);
+        }
+        return images;
+    }
+
+    void TakeImage(const LazyIcon& icon, const PictureSaver& saver, Image& image) const {
+        try {
+            WriteImage(icon, image.index, saver, image.path);
+            image.failure.clear();
+        } catch (const FileException& error) {
+            image.failure = error.what();
+        } catch (const std::bad_alloc&) {
+            image.failure = kNoMemory;
+        }
+    }
+
+    void WriteImage(const LazyIcon& icon, std::size_t index, const PictureSaver& saver, const std::string& path) const {
         const auto png = saver.kind == kKindPng ? icon.PngFile(index) : ByteSpan{};
         if (!png.empty()) return WriteOutput(m_run, path, png);
         CVnIcon loaded;
