@@ -283,12 +283,6 @@ FileView FileView::Open(std::string_view path, std::uint64_t cap) {
     return view;
 }
 
-void FileView::ReadAhead() const {
-#ifdef MADV_POPULATE_READ
-    if (m_mapped) (void)madvise(const_cast<std::uint8_t*>(m_data.data()), m_data.size(), MADV_POPULATE_READ);
-#endif
-}
-
 Bytes ReadFileStart(std::string_view path, std::size_t count) {
     const Descriptor file(open(SystemPath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     Bytes bytes(count);

@@ -68,8 +68,6 @@ public:
     [[nodiscard]] static FileView Open(std::string_view path, std::uint64_t cap = kMaxFileSize);
 
     [[nodiscard]] ByteSpan Data() const { return m_data; }
-    /// Brings all of the bytes into memory at once, which is quicker than page by page when all are going to be read.
-    void ReadAhead() const;
 
 private:
     void Release();

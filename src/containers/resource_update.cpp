@@ -1,13 +1,8 @@
 #include "containers/resource_update.h"
 
-#include "base/parallel.h"
-
 namespace pelorin {
 
 namespace {
-
-/// From this size on a file is worth a thread that reads ahead.
-constexpr std::size_t kLarge = std::size_t{4} << 20;
 
 void Tell(std::string* reason, std::string_view text) {
     if (reason) *reason = text;
@@ -36,12 +31,7 @@ std::unique_ptr<ResourceUpdate> ResourceUpdater::BeginUpdateResource(std::string
                  : IsSigned(*update->m_image) && !dropSignature ? ResourceChange::Signed
                                                                 : ResourceChange::Done;
     }
-    if (change == ResourceChange::Done) {
-        if (update->m_file.Data().size() > kLarge && CoreCount() > 1) {
-            update->m_readAhead = std::thread([file = &update->m_file] { file->ReadAhead(); });
-        }
-        return update;
-    }
+    if (change == ResourceChange::Done) return update;
     Tell(reason, DescribeResourceChange(change));
     return nullptr;
 }
@@ -60,7 +50,6 @@ bool ResourceUpdater::UpdateResource(ResourceUpdate& update, const ResourceKey& 
 bool ResourceUpdater::EndUpdateResource(std::unique_ptr<ResourceUpdate> update, bool discard, std::string* reason) {
     if (discard) return true;
     update->m_tree.Prune();
-    if (update->m_readAhead.joinable()) update->m_readAhead.join();
     FileSplice splice(update->m_file.Data());
     const auto change = ReplaceResources(*update->m_image, update->m_tree, update->m_dropSignature, splice);
     if (change != ResourceChange::Done) {

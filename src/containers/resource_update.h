@@ -6,7 +6,6 @@
 
 #include <list>
 #include <memory>
-#include <thread>
 
 namespace pelorin {
 
@@ -15,12 +14,6 @@ class ResourceUpdate {
 public:
     /// The changed file goes to this path, with the mode bits of the one that was read, which stays as it is.
     void WriteTo(std::string_view path) { m_target = path; }
-    ResourceUpdate() = default;
-    ~ResourceUpdate() {
-        if (m_readAhead.joinable()) m_readAhead.join();
-    }
-    ResourceUpdate(const ResourceUpdate&) = delete;
-    ResourceUpdate& operator=(const ResourceUpdate&) = delete;
 
 private:
     friend class ResourceUpdater;
@@ -31,7 +24,6 @@ private:
     ResourceTree m_tree;
     std::list<Bytes> m_added; // what the tree's spans point to
     bool m_dropSignature = false;
-    std::thread m_readAhead; // goes on while the new resources are made
 };
 
 /// The three operations. Virtual, so that a test can make any of them fail.
