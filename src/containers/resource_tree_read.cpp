@@ -63,7 +63,8 @@ private:
             m_facts.whole = false;
             return;
         }
-        const auto offset = m_image.FileOffset(rva, size);
+        // An empty resource may stand anywhere, also right behind the section's last byte.
+        const auto offset = size == 0 ? std::optional(m_start) : m_image.FileOffset(rva, size);
         if (!offset) {
             m_facts.whole = false;
             return;

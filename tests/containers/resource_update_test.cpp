@@ -341,6 +341,24 @@ TEST(ResourceTree, DirectoriesThatShareTheirEntriesDoNotMultiply) {
     EXPECT_FALSE(facts.whole);
 }
 
+TEST(ReplaceResources, AnEmptyResourceMayStandBehindTheLastByte) {
+    // One of these sizes fills the section to its last byte, so that what follows stands behind it.
+    for (std::size_t size = 8; size <= 512; size += 8) {
+        const Bytes filler(size, 1);
+        ResourceTree tree;
+        tree.Set(10, 1, 0, filler);
+        tree.Set(24, 1, 0, {});
+        PeSpec spec;
+        spec.sections.push_back({".text", SomeBytes(700), 0x60000020});
+        test::AddResources(spec, tree);
+        const auto changed = AddOne(BuildPe(spec), kText);
+        ASSERT_EQ(changed.result, ResourceChange::Done) << size;
+        ResourceTreeFacts facts;
+        EXPECT_TRUE(ReadResourceTree(changed.Image(), &facts).Find(24, 1, 0)) << size;
+        EXPECT_TRUE(facts.whole) << size;
+    }
+}
+
 TEST(ResourceUpdate, WritesTheFileOnlyAtAnEndThatIsMeant) {
     const std::string path = testing::TempDir() + "update.exe";
     const auto file = BuildPe(SampleSpec(false, true));
