@@ -8,14 +8,13 @@ namespace {
 
 struct Header {
     int width = 0, height = 0; ///< of the image
-    int planes = 0, bitCount = 0;
+    std::uint32_t planes = 0, bitCount = 0;
     std::uint32_t used = 0;
 
+    /// Wraps around only for a bit count that is no depth.
+    [[nodiscard]] int Product() const { return static_cast<int>(planes * bitCount); }
     /// A product that is no depth is an accident of the planes.
-    [[nodiscard]] int Depth() const {
-        const int product = planes * bitCount;
-        return IsDepth(product) ? product : bitCount;
-    }
+    [[nodiscard]] int Depth() const { return IsDepth(Product()) ? Product() : static_cast<int>(bitCount); }
     [[nodiscard]] static bool IsDepth(int bits) {
         return bits == 1 || bits == 4 || bits == 8 || bits == 15 || bits == 16 || bits == 24 || bits == 32;
     }
@@ -82,7 +81,7 @@ bool ReadPlain(ByteSpan file, const IcoDirectoryEntry& entry, ShortImage ifShort
 
     if (!image.icon.Create(header.width, header.height, colors, depth == 32)) return false;
     FillBlock(file, layout, table, colorBytes, image.icon.m_hImage);
-    image.bits = header.planes * header.bitCount;
+    image.bits = header.Product();
     return layout.bits == depth || CopyWideRows(file, header, image.icon.m_hImage.data() + layout.xorRows);
 }
 
