@@ -95,7 +95,7 @@ TEST_F(ContainerVerbs, AProgramGetsChangesAndLosesIcons) {
     EXPECT_EQ(ran.exitCode, 0) << ran.err;
     EXPECT_THAT(ran.out, HasSubstr("behind the image kept"));
     const auto listed = Run({"program", "list", "setup.exe", "--json"}).out;
-    EXPECT_THAT(listed, HasSubstr("\"extra_bytes\": 3000"));
+    EXPECT_THAT(listed, HasSubstr("\"kind\": \"exe\",\n    \"form\": \"pe\",\n    \"extra_bytes\": 3000"));
     EXPECT_THAT(listed, HasSubstr("\"name\": \"MAIN\",\n        \"id\": -1,\n        \"language\": 1033,"));
 
     ran = Run({"program", "replace", "setup.exe", "main", "a.ico", "-o", "new.exe"});

@@ -74,7 +74,7 @@ def fonts_16(report):
              if (data := path.read_bytes())[struct.unpack_from("<I", data, 60)[0]:][:2] == b"NE"]
     report.expect(files, "no 16-bit fonts")
     for path, entry in listed(report, files).items():
-        report.equal((entry["kind"], entry["icons"]), ("ne", []), path)
+        report.equal((entry["form"], entry["icons"]), ("ne", []), path)
     report.figure(f"{len(files)} files")
 
 
