@@ -48,7 +48,8 @@ std::vector<std::unique_ptr<CIconGroup>> LoadIcons(const IconResources& found, s
     for (const auto& ref : found.groups) {
         auto icon = LoadIcon(ref, pixels);
         if (!icon) continue;
-        if (icon->m_strName.empty() && !baseName.empty()) {
+        // A group may go by an empty name; it must not be written under another one.
+        if (icon->m_strName.empty() && !baseName.empty() && ref.id >= 0) {
             icon->m_strName = FormatText(str::kNumberedIcon, baseName, static_cast<int>(icons.size() + 1));
         }
         icons.push_back(std::move(icon));

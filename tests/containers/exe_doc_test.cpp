@@ -117,6 +117,19 @@ TEST(ExeDoc, ReadsGroupsNamesAndLanguages) {
     EXPECT_EQ(o.document.CellDescription(1), "(Icon 2 in Program File prog.exe)");
 }
 
+TEST(ExeDoc, AGroupWithAnEmptyNameKeepsIt) {
+    TreeBuilder builder;
+    builder.Image(1, 0, k16);
+    builder.Group(ResourceKey(u""), 0, {{1, k16}});
+    Opened o(builder.File());
+    ASSERT_TRUE(o.document.ReplaceIcon(0, *MakeIcon("", {k32})));
+    ASSERT_TRUE(o.document.OnSaveDocument(o.path));
+    const auto tree = o.Tree();
+    EXPECT_EQ(tree.Find(kResourceGroupIcon)->names.size(), 1u);
+    EXPECT_TRUE(tree.Find(kResourceGroupIcon, ResourceKey(u""), 0));
+    EXPECT_EQ(o.document.ExportName(0), "prog 001");
+}
+
 TEST(ExeDoc, AFileWithoutIconsIsNotOpened) {
     TreeBuilder none;
     for (const auto& file : {none.File(), Bytes{'M', 'Z'}, Bytes{}}) {
