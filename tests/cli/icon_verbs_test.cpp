@@ -84,7 +84,9 @@ TEST_F(IconVerbs, WrongUsage) {
         {{"lst"}, "pelorin-cli: there is no verb \"lst\"; did you mean list?\n"},
         {{"list"}, "pelorin-cli: FILE is required"},
         {{"list", "--jsno", "x"}, "pelorin-cli: there is no option --jsno; did you mean --json?\n"},
-        {{"extract", "x", "--as", "pgn"}, "pelorin-cli: --as: \"pgn\" is none of bmp, gif, jpg, jp2, png, psd, ico, icns, rsrc, bin; did you mean png?\n"},
+        {{"extract", "x", "--as", "pgn"},
+         "pelorin-cli: --as: \"pgn\" is none of bmp, gif, jpg, jp2, png, psd, ico, icns, rsrc, bin; did you mean "
+         "png?\n"},
         {{"extract", "x", "--index", "0"}, "pelorin-cli: --index: 0 is not between 1 and "},
         {{"extract", "x", "--index", "1x"}, "pelorin-cli: --index: \"1x\" is not a whole number\n"},
         {{"extract", "x", "--format", "16x16"}, "pelorin-cli: --format: \"16x16\" is not a format; write"},
