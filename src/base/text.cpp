@@ -177,17 +177,25 @@ constexpr SmallLetters kSmallLetters[] = {
     {0x0450, 0x045F, 1, 80},
 };
 
+char16_t Raised(char16_t letter) {
+    for (const auto& small : kSmallLetters) {
+        if (letter < small.first || letter > small.last || (letter - small.first) % small.step != 0) continue;
+        return static_cast<char16_t>(letter - small.distance);
+    }
+    return letter;
+}
+
 } // namespace
+
+std::u16string ToUpper(std::u16string text) {
+    std::ranges::transform(text, text.begin(), Raised);
+    return text;
+}
 
 std::string RaiseFirstLetter(std::string_view text) {
     auto characters = Utf8ToUtf16(text.substr(0, SequenceLength(text)));
     if (characters.empty()) return std::string(text);
-    auto& letter = characters.front();
-    for (const auto& small : kSmallLetters) {
-        if (letter < small.first || letter > small.last || (letter - small.first) % small.step != 0) continue;
-        letter = static_cast<char16_t>(letter - small.distance);
-        break;
-    }
+    characters.front() = Raised(characters.front());
     return Utf16ToUtf8(characters).append(text.substr(SequenceLength(text)));
 }
 

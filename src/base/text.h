@@ -13,6 +13,8 @@ namespace pelorin {
 [[nodiscard]] char AsciiUpper(char c);
 [[nodiscard]] std::string ToLower(std::string_view text);
 [[nodiscard]] std::string ToUpper(std::string_view text);
+/// Letters of the Latin, Greek and Cyrillic alphabets.
+[[nodiscard]] std::u16string ToUpper(std::u16string text);
 [[nodiscard]] bool EqualsNoCase(std::string_view a, std::string_view b);
 [[nodiscard]] bool StartsWithNoCase(std::string_view text, std::string_view prefix);
 /// Negative, 0 or positive, by ASCII-folded bytes.

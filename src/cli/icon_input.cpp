@@ -1,6 +1,8 @@
 #include "cli/icon_input.h"
 
 #include "base/text.h"
+#include "cli/run.h"
+#include "core/strings.h"
 #include "icon/icon_format.h"
 
 #include <fmt/format.h>
@@ -102,6 +104,20 @@ std::vector<CVnIcon*> IconsForDisplay(CIconGroup& group) {
     std::vector<CVnIcon*> icons;
     for (const auto index : group.GetDisplayOrder()) icons.push_back(group.GetIcon(static_cast<int>(index)));
     return icons;
+}
+
+std::string FormatsText(std::span<const IconFormat> formats, bool macintosh) {
+    std::string text;
+    for (const auto& format : formats) {
+        if (!text.empty()) text += ", ";
+        text += fmt::format("{}x{} {}", format.width, format.height, DepthName(format.bits, macintosh));
+    }
+    return text;
+}
+
+std::string NoIconsLine(const std::string& file, const IconSource* source) {
+    const bool isProgram = source && IsProgramKind(source->kind);
+    return fmt::format("{}  {}\n", Printable(file), isProgram ? LoadText(str::kFileHasNoIcons) : "no icons");
 }
 
 std::string SizeTextOf(const IconOutline& icon) {

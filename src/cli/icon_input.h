@@ -27,6 +27,10 @@ void VisitOutlines(const IconInput& input, const NumberedOutlineVisitor& visitor
 
 /// Formats of a group in display order.
 [[nodiscard]] std::vector<CVnIcon*> IconsForDisplay(CIconGroup& group);
+/// "48x48 XP (RGB/A), 16x16 16 colors", in the order given.
+[[nodiscard]] std::string FormatsText(std::span<const IconFormat> formats, bool macintosh);
+/// What a list says of a file that is whole and has no icons: "FILE  no icons", and of a program what the system says.
+[[nodiscard]] std::string NoIconsLine(const std::string& file, const IconSource* source);
 /// "(1 format)", "(%d formats)".
 [[nodiscard]] std::string SizeTextOf(const IconOutline& icon);
 

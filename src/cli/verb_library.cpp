@@ -57,7 +57,11 @@ public:
             if (FindExecutableSignature(file.Data()).kind == ExecutableKind::None) {
                 throw FileException("this is not an icon library");
             }
-            m_isProgram = GetFileKind(options.file) != kKindIconLibrary && !FindIcons(file.Data()).hasLibraryNames;
+            const auto found = FindIcons(file.Data());
+            m_isProgram = GetFileKind(options.file) != kKindIconLibrary && !found.hasLibraryNames;
+            // What is not read now would be gone with the next save.
+            const bool lost = found.groups.empty() && !found.idTable.empty();
+            if (lost || !found.complete) throw FileException("the library is damaged, its icons cannot be read");
         }
         if (options.form) document.m_form = *options.form;
     }

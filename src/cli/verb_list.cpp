@@ -93,20 +93,18 @@ std::string FormatsOneByOne(const std::string& file, const IconOutline& icon) {
 }
 
 std::string FormatsOnOneLine(const IconOutline& icon, int number) {
-    std::string formats;
-    for (const auto& row : icon.formats) {
-        if (!formats.empty()) formats += ", ";
-        formats +=
-            fmt::format("{}x{} {}", row.format.width, row.format.height, DepthName(row.format.bits, icon.macintosh));
-    }
+    std::vector<IconFormat> formats;
+    for (const auto& row : icon.formats) formats.push_back(row.format);
     const auto name = icon.name.empty() ? std::string() : Printable(icon.name) + "  ";
-    return fmt::format("{:4}  {}{:<13} {}\n", number, name, SizeTextOf(icon), formats);
+    return fmt::format("{:4}  {}{:<13} {}\n", number, name, SizeTextOf(icon), FormatsText(formats, icon.macintosh));
 }
 
 void ListAsText(Run& run, const std::vector<std::string>& files) {
     run.ForEach(files, [&](const std::string& file) {
         const auto input = OpenIconInput(file);
+        bool any = false;
         VisitOutlines(input, [&](const IconOutline& icon, int number, bool only) {
+            any = true;
             if (only) {
                 run.Print(FormatsOneByOne(file, icon));
                 return;
@@ -114,6 +112,7 @@ void ListAsText(Run& run, const std::vector<std::string>& files) {
             if (number == 1 && files.size() > 1) run.Print(Printable(file) + ":\n");
             run.Print(FormatsOnOneLine(icon, number));
         });
+        if (!any) run.Print(NoIconsLine(file, input.source));
     });
 }
 

@@ -1,6 +1,7 @@
 #include "base/text.h"
 #include "cli/document_output.h"
 #include "cli/icon_choice.h"
+#include "cli/icon_input.h"
 #include "cli/json_writer.h"
 #include "cli/output.h"
 #include "cli/text_table.h"
@@ -56,6 +57,14 @@ std::vector<IconLabel> LabelsOf(const IconResources& found) {
     return labels;
 }
 
+std::string FormatsOf(CIconGroup& icon) {
+    std::vector<IconFormat> formats;
+    for (const auto* image : IconsForDisplay(icon)) {
+        formats.push_back({image->m_nWidth, image->m_nHeight, image->ShownBitCount()});
+    }
+    return FormatsText(formats, icon.m_nInfo != 0);
+}
+
 /// A program file that is open for changes, and the way to its new file.
 class ProgramInput {
 public:
@@ -80,8 +89,16 @@ public:
         m_run.Note(fmt::format("{}  {}{}", Printable(path), what,
                                extra == 0 ? "" : fmt::format("; {} behind the image kept", BytesText(extra))));
     }
-    /// What the document told, when it refused something.
-    [[nodiscard]] FileException Refusal() const { return FileException(m_prompt.Reason("the mode does not allow it")); }
+    /// Why icons cannot come or go.
+    [[nodiscard]] FileException Refusal() const {
+        return FileException(m_prompt.Reason(FormatText(str::kReplaceOnly, m_file)));
+    }
+    /// Why a cell does not take an icon.
+    [[nodiscard]] FileException Refusal(int index, CIconGroup& fresh) const {
+        auto& old = *document.GetIcon(index);
+        return FileException(fmt::format("{} (icon {} \"{}\": {}; new: {})", Refusal().what(), index + 1,
+                                         document.CellName(index), FormatsOf(old), FormatsOf(fresh)));
+    }
 
 private:
     Run& m_run;
@@ -92,6 +109,11 @@ private:
 public:
     CFileExeDoc document{m_services};
 };
+
+/// Throws when icons were left out.
+void TellIfIncomplete(const IconResources& found) {
+    if (!found.complete) throw FileException("the file's icons multiply beyond all sense, not all of them were read");
+}
 
 FileView OpenProgram(const std::string& file) {
     auto view = FileView::Open(file);
@@ -166,14 +188,14 @@ std::string ProgramTable(const IconResources& found) {
     TextTable table("rlrl");
     int number = 0;
     for (const auto& icon : found.groups) {
-        std::string formats;
+        std::vector<IconFormat> formats;
         for (const auto& image : ForDisplay(icon.images)) {
-            if (!formats.empty()) formats += ", ";
-            formats += fmt::format("{}x{} {}", image.width, image.height, DepthName(image.ShownBits(), icon.macintosh));
+            formats.push_back({image.width, image.height, image.ShownBits()});
         }
         auto label = icon.id >= 0 ? fmt::format("#{}", icon.id) : std::string();
         if (!icon.name.empty()) label += (label.empty() ? "" : " ") + Printable(icon.name);
-        table.Row({fmt::format("{}", ++number), label, fmt::format("{}", icon.language), formats});
+        table.Row({fmt::format("{}", ++number), label, fmt::format("{}", icon.language),
+                   FormatsText(formats, icon.macintosh)});
     }
     return table.Text();
 }
@@ -188,10 +210,13 @@ void ListPrograms(Run& run, const std::vector<std::string>& files) {
         if (asJson) {
             WriteProgram(json, file, view.Data(), found);
             run.Print(json.Take());
+        } else if (found.groups.empty() && found.complete) {
+            run.Print(NoIconsLine(file, FindIconSource(view.Data(), GetFileKind(file))));
         } else {
             if (files.size() > 1) run.Print(Printable(file) + ":\n");
             run.Print(ProgramTable(found));
         }
+        TellIfIncomplete(found);
     });
     if (asJson) json.EndArray();
     run.Print(json.Take());
@@ -212,6 +237,7 @@ void ExtractFrom(Run& run, const ProgramOptions& options) {
         WriteOutput(run, path, CopyAsIco(found.groups[static_cast<std::size_t>(index)]));
         if (!run.Options().dryRun && path != "-") run.Note(Printable(path));
     }
+    TellIfIncomplete(found);
 }
 
 // ---- changes ----
@@ -223,7 +249,7 @@ void ReplaceIn(Run& run, const ProgramOptions& options) {
     std::string what;
     for (const int index : chosen) {
         const int before = input.document.GetIcon(index)->GetCount();
-        if (!input.document.ReplaceIcon(index, *icons.front())) throw input.Refusal();
+        if (!input.document.ReplaceIcon(index, *icons.front())) throw input.Refusal(index, *icons.front());
         if (!what.empty()) what += ", ";
         what += fmt::format("icon {} \"{}\": {} in, {} out", index + 1, input.document.CellName(index),
                             Counted(icons.front()->GetCount(), "format"), before);
@@ -241,14 +267,10 @@ void AddTo(Run& run, const ProgramOptions& options) {
             const bool first = added++ == 0;
             if (!first && !options.name.empty()) throw UsageError("--name is for one icon");
             const int id = options.id ? *options.id + added - 1 : document.FreeGroupId();
-            for (int i = 0; i < document.GetCount(); ++i) {
-                const bool taken = options.name.empty() ? document.GetIcon(i)->m_nResourceId == id
-                                                        : document.GetIcon(i)->m_nResourceId < 0 &&
-                                                              document.GetIcon(i)->m_strName == options.name;
-                if (taken) throw FileException("there is an icon of that number or name already");
-            }
             if (id > 0xFFFF) throw FileException("no number is left for the icon");
-            if (!document.AddIcon(*icon, id, options.language.value_or(0), options.name)) throw input.Refusal();
+            const auto key = GroupKey(options.name.empty() ? id : -1, Utf8ToUtf16(options.name));
+            if (document.FindGroup(key) >= 0) throw FileException("there is an icon of that number or name already");
+            if (!document.AddIcon(*icon, key, options.language.value_or(0))) throw input.Refusal();
         }
     }
     input.Save(Counted(added, "icon") + " added");
@@ -277,16 +299,11 @@ void CopyIcons(Run& run, const ProgramOptions& options) {
     for (const auto& ref : found.groups) {
         const auto icon = LoadIcon(ref);
         if (!icon) continue;
-        int at = 0;
-        for (; at < document.GetCount(); ++at) {
-            const auto& old = *document.GetIcon(at);
-            const bool same = ref.id >= 0 ? old.m_nResourceId == ref.id : old.m_strName == ref.name;
-            if (same && old.m_nLanguage == ref.language) break;
-        }
-        const bool there = at < document.GetCount();
-        const bool done = there ? document.ReplaceIcon(at, *icon)
-                                : document.AddIcon(*icon, ref.id, ref.language, ref.id < 0 ? ref.name : std::string());
-        if (!done) throw input.Refusal();
+        const auto key = GroupKey(ref.id, ref.resourceName);
+        const int at = document.FindGroup(key, ref.language);
+        const bool there = at >= 0;
+        const bool done = there ? document.ReplaceIcon(at, *icon) : document.AddIcon(*icon, key, ref.language);
+        if (!done) throw there ? input.Refusal(at, *icon) : input.Refusal();
         ++(there ? replaced : added);
     }
     input.Save(fmt::format("{} replaced, {} added", Counted(replaced, "icon"), added));

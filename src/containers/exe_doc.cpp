@@ -9,9 +9,8 @@ namespace pelorin {
 
 namespace {
 
-ResourceKey GroupKey(const CIconGroup& icon) {
-    if (icon.m_nResourceId >= 0) return static_cast<std::uint16_t>(icon.m_nResourceId);
-    return ResourceKey(Utf8ToUtf16(icon.m_strName));
+ResourceKey KeyOf(const CIconGroup& icon) {
+    return GroupKey(icon.m_nResourceId, icon.m_strResourceName);
 }
 
 ByteSpan FindExtraData(ByteSpan file) {
@@ -120,6 +119,7 @@ bool CFileExeDoc::ReplaceIcon(int index, const CIconGroup& icon) {
     }
     fresh->m_strName = old->m_strName;
     fresh->m_nResourceId = old->m_nResourceId;
+    fresh->m_strResourceName = old->m_strResourceName;
     fresh->m_nLanguage = old->m_nLanguage;
     fresh->m_bChanged = true;
     m_arrIcons[static_cast<std::size_t>(index)] = std::move(fresh);
@@ -129,24 +129,35 @@ bool CFileExeDoc::ReplaceIcon(int index, const CIconGroup& icon) {
 
 bool CFileExeDoc::RemoveIcons(const std::vector<int>& positions) {
     if (m_nMode != ProgramMode::Full) return false;
-    for (const auto& icon : TakeOut(positions)) m_arrDeletedGroups.emplace_back(GroupKey(*icon), icon->m_nLanguage);
+    for (const auto& icon : TakeOut(positions)) m_arrDeletedGroups.emplace_back(KeyOf(*icon), icon->m_nLanguage);
     return true;
 }
 
-bool CFileExeDoc::AddIcon(const CIconGroup& icon, int id, int language, const std::string& name) {
+bool CFileExeDoc::AddIcon(const CIconGroup& icon, ResourceKey key, int language) {
     if (m_nMode != ProgramMode::Full) return false;
     auto fresh = std::make_unique<CIconGroup>(icon);
     for (auto& image : fresh->m_arrIcons) image->m_nResourceId = image->m_nLanguage = -1;
-    fresh->m_nResourceId = name.empty() ? id : -1;
-    fresh->m_strName = ToUpper(name);
+    key.name = ToUpper(std::move(key.name));
+    fresh->m_nResourceId = key.named ? -1 : key.id;
+    fresh->m_strResourceName = key.name;
+    fresh->m_strName = Utf16ToUtf8(key.name);
     fresh->m_nLanguage = language;
     fresh->m_bChanged = true;
-    const auto key = GroupKey(*fresh);
     std::erase_if(m_arrDeletedGroups, [&](const auto& gone) { return gone.first == key && gone.second == language; });
     IconGroups added;
     added.push_back(std::move(fresh));
     Insert(GetCount(), std::move(added));
     return true;
+}
+
+int CFileExeDoc::FindGroup(const ResourceKey& key, std::optional<int> language) const {
+    const auto name = ToUpper(key.name);
+    const auto at = std::ranges::find_if(m_arrIcons, [&](const auto& icon) {
+        const auto own = KeyOf(*icon);
+        return own.named == key.named && own.id == key.id && ToUpper(own.name) == name &&
+               icon->m_nLanguage == language.value_or(icon->m_nLanguage);
+    });
+    return at == m_arrIcons.end() ? -1 : static_cast<int>(at - m_arrIcons.begin());
 }
 
 int CFileExeDoc::FreeGroupId() const {

@@ -34,9 +34,12 @@ public:
     bool ReplaceIcon(int index, const CIconGroup& icon);
     /// Takes icons out in full mode; false in all others.
     bool RemoveIcons(const std::vector<int>& positions);
-    /// A new icon under a number or, where `name` is not empty, under that name in capitals, the only ones that loaders
-    /// look for. False outside full mode.
-    bool AddIcon(const CIconGroup& icon, int id, int language, const std::string& name = {});
+    /// A new icon under a number or a name, which is written in capitals, the only letters that loaders look for. False
+    /// outside full mode.
+    bool AddIcon(const CIconGroup& icon, ResourceKey key, int language);
+    /// The place of the icon of this number or name, whatever the case of its letters, in the language or the first one
+    /// that has it; -1: none.
+    [[nodiscard]] int FindGroup(const ResourceKey& key, std::optional<int> language = {}) const;
     /// The smallest number that no group has.
     [[nodiscard]] int FreeGroupId() const;
 

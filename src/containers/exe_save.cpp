@@ -1,5 +1,4 @@
 // Saving a program file: in place, or by an update of its resources.
-#include "base/text.h"
 #include "containers/exe_doc.h"
 #include "containers/program_file.h"
 #include "core/services.h"
@@ -111,8 +110,7 @@ private:
             entries.push_back(PrepareImage(*image, false).entry);
             entries.back().id = static_cast<std::uint16_t>(image->m_nResourceId);
         }
-        const auto key = icon.m_nResourceId == kNoId ? ResourceKey(Utf8ToUtf16(icon.m_strName))
-                                                     : ResourceKey(static_cast<std::uint16_t>(icon.m_nResourceId));
+        const auto key = GroupKey(icon.m_nResourceId, icon.m_strResourceName);
         return Put(kResourceGroupIcon, key, icon.m_nLanguage, WriteGroupDirectory(entries));
     }
 

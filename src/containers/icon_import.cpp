@@ -11,10 +11,6 @@ namespace pelorin {
 
 namespace {
 
-bool IsProgramKind(int kind) {
-    return kind >= kKindExe && kind <= kKindScr;
-}
-
 bool IsMacintoshKind(int kind) {
     return IsMacintoshIconKind(kind) || kind == kKindIcontainer;
 }

@@ -201,6 +201,7 @@ std::unique_ptr<CIconGroup> LoadIcon(const IconGroupRef& ref, Pixels pixels) {
     group->m_strName = ref.name;
     group->m_nInfo = ref.macintosh ? 1 : 0;
     group->m_nResourceId = ref.id;
+    group->m_strResourceName = ref.resourceName;
     group->m_nLanguage = ref.language;
     for (const auto& image : ref.images) {
         CVnIcon icon;

@@ -67,7 +67,8 @@ struct IconImageRef {
 struct IconGroupRef {
     int id = -1; ///< -1: the group goes by its name
     int language = 0;
-    std::string name; ///< resource name, or one out of a library's table; empty: none
+    std::u16string resourceName; ///< of a group without a number
+    std::string name;            ///< resource name as text, or one out of a library's table; empty: none
     bool macintosh = false;
     std::vector<IconImageRef> images; ///< at least one
 };

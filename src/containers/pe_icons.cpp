@@ -47,9 +47,10 @@ std::unordered_map<int, std::vector<Candidate>> ImagesById(const ResourceTree& t
 class TreeFinder {
 public:
     explicit TreeFinder(const PeImage& image)
-        : m_image(image), m_tree(ReadResourceTree(image)), m_budget(image.File().size()) {}
+        : m_image(image), m_tree(ReadResourceTree(image, &m_facts)), m_budget(image.File().size()) {}
 
     IconResources Find(Progress* progress) {
+        m_out.complete = m_facts.complete;
         m_images = ImagesById(m_tree, m_out);
         ReadLibraryNames();
         const auto* groups = m_tree.Find(kResourceGroupIcon);
@@ -81,6 +82,7 @@ private:
         icon.id = key.named ? -1 : key.id;
         icon.language = data.language;
         if (position < m_names.size()) icon.name = m_names[position];
+        icon.resourceName = key.name;
         if (key.named) icon.name = Utf16ToUtf8(key.name);
         for (const auto& entry : ReadGroupDirectory(data.bytes)) {
             const auto found = m_images.find(entry.id);
@@ -107,6 +109,7 @@ private:
     }
 
     const PeImage& m_image;
+    ResourceTreeFacts m_facts;
     ResourceTree m_tree;
     ImageBudget m_budget;
     IconResources m_out;

@@ -148,6 +148,9 @@ private:
     }
     /// In an image with small alignment each byte stands in the file where it stands in memory, so nothing may move.
     [[nodiscard]] bool IsFlat() const { return m_image.SectionAlignment() < kPage; }
+    /// Some linkers count bytes of sections as headers too. Such a file must not become shorter, since loaders refuse
+    /// headers that end behind it.
+    [[nodiscard]] bool HeadersReachIntoSections() const { return m_headersEnd < m_image.SizeOfHeaders(); }
 
     void DropSignature() {
         const auto place = m_image.Directory(PeDirectory::Certificates);
@@ -199,6 +202,7 @@ private:
                        : m_size <= header.rawSize ? header.rawSize
                                                   : header.rawSize + Align(m_size - header.rawSize, unit);
         if (IsFlat()) rawSize = header.rawSize;
+        if (HeadersReachIntoSections()) rawSize = std::max<std::uint64_t>(rawSize, header.rawSize);
         // Loaders want each section to begin where the one before it ends, so only the last one may shrink.
         const auto memory = last ? m_size : std::max<std::uint64_t>(m_size, header.Memory().size);
 
@@ -288,6 +292,7 @@ private:
 
     /// The section stays where it is in memory, with nothing in the file.
     void EmptySection(std::size_t section) {
+        if (HeadersReachIntoSections()) return;
         const auto& header = m_image.Sections()[section];
         const auto size = header.rawSize / m_image.FileAlignment() * m_image.FileAlignment();
         if (size != header.rawSize || header.Raw().End() > m_image.File().size()) return;

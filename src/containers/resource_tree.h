@@ -37,6 +37,11 @@ struct ResourceKey {
     }
 };
 
+/// What an icon's group goes by: its number, or, with a negative one, its name.
+[[nodiscard]] inline ResourceKey GroupKey(int id, const std::u16string& name) {
+    return id >= 0 ? ResourceKey(static_cast<std::uint16_t>(id)) : ResourceKey(name);
+}
+
 /// The 12 bytes of a directory that no loader looks at; they are carried along.
 struct ResourceStamp {
     std::uint32_t characteristics = 0, time = 0;
@@ -89,12 +94,14 @@ struct ResourceTreeFacts {
     /// Everything in it has its place in a `ResourceTree`: three levels, numbered languages, no key twice, all inside
     /// the file. If not, writing the tree again would lose something.
     bool whole = true;
+    /// False when the reading ended early, because entries that share their directories multiply beyond all sense.
+    bool complete = true;
     /// Parts of the file that the tree takes up, in no order.
     std::vector<PeRange> used;
 };
 
-/// Reads the tree of an image, in the file's order; an empty one when there is none. What is damaged is left out:
-/// entries that lie outside, and all entries beyond the number that the bytes could hold.
+/// Reads the tree of an image, in the file's order; an empty one when there is none. What is damaged is left out.
+/// A directory that several entries lead to is read once for each of them, within reason.
 [[nodiscard]] ResourceTree ReadResourceTree(const PeImage& image, ResourceTreeFacts* facts = nullptr);
 
 /// The same for a tree that stands at the start of a section, whatever the directories of the image say.

@@ -6,6 +6,8 @@ namespace pelorin {
 namespace {
 
 constexpr std::uint32_t kHighBit = 0x80000000;
+/// Entries that a tree may have beyond those that its bytes hold: loaders do not mind when directories are shared.
+constexpr std::size_t kSharedEntries = 0x10000;
 
 struct Entry {
     ResourceKey key = std::uint16_t{0};
@@ -27,7 +29,7 @@ public:
         if (start >= end) return;
         m_start = static_cast<std::size_t>(start);
         m_tree = image.File().subspan(m_start, static_cast<std::size_t>(end - start));
-        m_budget = m_tree.size() / 8;
+        m_budget = m_tree.size() / 8 + kSharedEntries;
     }
 
     ResourceTree Read() {
@@ -87,8 +89,8 @@ private:
         directory.stamp = {in.U32LE(), in.U32LE(), in.U16LE(), in.U16LE()};
         const std::size_t named = in.U16LE(), numbered = in.U16LE();
         const auto count = named + numbered;
-        // Directories that overlap can name far more entries than there are bytes: a tree of honest ones cannot.
-        if (!in.Ok() || count > in.Left() / 8 || count > m_budget) {
+        // Directories that share their entries can name far more of them than make sense.
+        if (!in.Ok() || count > in.Left() / 8 || !IsWithin(count)) {
             m_facts.whole = false;
             return {};
         }
@@ -105,6 +107,11 @@ private:
         return directory;
     }
 
+    bool IsWithin(std::size_t count) {
+        if (count > m_budget) m_facts.complete = false;
+        return count <= m_budget;
+    }
+
     bool ReadKey(std::uint32_t key, ResourceKey& out) {
         if ((key & kHighBit) == 0) {
             if (key > 0xFFFF) m_facts.whole = false;
@@ -117,7 +124,7 @@ private:
         const std::size_t length = in.U16LE();
         const auto text = in.Take(length * 2);
         // The characters count against the budget as well: a thousand entries may share one long string.
-        if (!in.Ok() || length > m_budget * 4) {
+        if (!in.Ok() || !IsWithin(length / 4)) {
             m_facts.whole = false;
             return false;
         }

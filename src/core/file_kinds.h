@@ -82,6 +82,10 @@ struct FileKindInfo {
 /// The kind of a file. A file that is not there or cannot be read has the kind of its name.
 [[nodiscard]] FileKind GetFileKind(std::string_view path);
 
+/// Program files, whose icons are resources.
+[[nodiscard]] constexpr bool IsProgramKind(int kind) {
+    return kind >= kKindExe && kind <= kKindScr;
+}
 /// ICNS, resource files and MacBinary: icons of the Macintosh, in one file.
 [[nodiscard]] constexpr bool IsMacintoshIconKind(int kind) {
     return kind == kKindIcns || kind == kKindRsrc || kind == kKindMacBinary;

@@ -25,8 +25,10 @@ public:
     bool m_bChanged = false;   ///< a format could not be added, or the group was replaced from a document
     int m_nCurrent = -1;
     std::uint32_t m_nSerial; ///< unique in this run
-    int m_nResourceId = -1;  ///< of the group in a program file; -1: none, or it goes by `m_strName`
-    int m_nLanguage = 0;     ///< of the group in a program file
+    int m_nResourceId = -1;  ///< of the group in a program file; -1: none, or it goes by `m_strResourceName`
+    /// The group's name in a program file, unit for unit: not all of them can be told in UTF-8, as `m_strName` is.
+    std::u16string m_strResourceName;
+    int m_nLanguage = 0; ///< of the group in a program file
     std::string m_strSource;
     int m_nSourceX = -1, m_nSourceY = -1;
     /// In saving order once `Sort` ran; `Add` runs it.

@@ -134,6 +134,7 @@ TEST_F(ContainerVerbs, WhatCannotBeMeantIsRefused) {
         {{"library", "sort", "p.exe", "-o", "p.exe", "--force"}, 1, "p.exe: this is a program"},
         {{"library", "create", "l.icl", "a.ico", "-o", "m.icl"}, 2, "without --output"},
         {{"program", "add", "p.exe", "a.ico", "--id", "3", "--name", "x"}, 2, "exclude each other"},
+        {{"program", "add", "p.exe", "a.ico", "--id", "1"}, 1, "an icon of that number or name already"},
         {{"program", "replace", "p.exe", "1", "none.ico"}, 1, "p.exe: cannot take icons from \"none.ico\": No such"},
         {{"program", "copy-icons", "none.exe", "p.exe", "--in-place"}, 1, "none.exe: No such file"},
         {{"program", "extract", "a.ico"}, 1, "a.ico: this is not a program file"},
@@ -149,6 +150,46 @@ TEST_F(ContainerVerbs, WhatCannotBeMeantIsRefused) {
     EXPECT_EQ(Run({"library", "rename", "p.exe", "New", "1", "-o", "p.icl"}).exitCode, 0);
     EXPECT_THAT(IconNames("p.icl"), ElementsAre("New"));
     EXPECT_EQ(Run({"library", "rename", "p.icl", "Newer", "1", "--in-place"}).exitCode, 0);
+}
+
+TEST_F(ContainerVerbs, AFileWithoutIconsIsToldInALine) {
+    PutProgram("none.exe");
+    PutIcon("a.ico", {k16}, 1);
+    for (const std::string form : {"pe", "ne"}) {
+        ASSERT_EQ(Run({"library", "create", form + ".icl", "--form", form}).exitCode, 0);
+        EXPECT_EQ(Run({"library", "list", form + ".icl"}).out, form + ".icl  no icons\n");
+        EXPECT_EQ(Run({"list", form + ".icl"}).out, form + ".icl  no icons\n");
+    }
+    const std::string told = "none.exe  The specified file does not contains icons or is invalid\n";
+    for (const char* verb : {"library", "program"}) EXPECT_EQ(Run({verb, "list", "none.exe"}).out, told);
+    const auto listed = Run({"list", "none.exe", "a.ico"});
+    EXPECT_EQ(listed.exitCode, 0);
+    EXPECT_THAT(listed.out, ::testing::StartsWith(told + "a.ico  (1 format)\n"));
+    EXPECT_THAT(Run({"list", "--json", "none.exe"}).out, HasSubstr("\"kind\": \"exe\",\n    \"icons\": []"));
+
+    // A library whose icons are all beyond its end is not one without icons.
+    ASSERT_EQ(Run({"library", "create", "cut.icl", "a.ico", "--form", "ne"}).exitCode, 0);
+    auto file = Get("cut.icl");
+    file.resize(600);
+    WriteFileSafely(m_folder.Path("cut.icl"), file);
+    EXPECT_THAT(Run({"library", "add", "cut.icl", "a.ico", "--in-place"}).err, HasSubstr("the library is damaged"));
+    EXPECT_EQ(Get("cut.icl"), file);
+}
+
+TEST_F(ContainerVerbs, IconsOfA16BitFileAreOnlyReplacedByTheLike) {
+    PutIcon("a.ico", {k16}, 1);
+    PutIcon("b.ico", {k32}, 2);
+    PutIcon("c.ico", {k16}, 3);
+    ASSERT_EQ(Run({"library", "create", "l.icl", "a.ico", "--form", "ne"}).exitCode, 0);
+    const auto file = Get("l.icl");
+    const std::string only = "l.icl: In the file \"l.icl\" icons can only be replaced by others of the same formats.\n";
+    EXPECT_THAT(Run({"program", "add", "l.icl", "c.ico", "--in-place"}).err, HasSubstr(only));
+    EXPECT_THAT(Run({"program", "remove", "l.icl", "1", "--in-place"}).err, HasSubstr(only));
+    EXPECT_THAT(Run({"program", "replace", "l.icl", "1", "b.ico", "--in-place"}).err,
+                HasSubstr("strictly identical. (icon 1 \"A\": 16x16 16 colors; new: 32x32 XP (RGB/A))"));
+    EXPECT_EQ(Get("l.icl"), file);
+    EXPECT_EQ(Run({"program", "replace", "l.icl", "1", "c.ico", "--in-place"}).exitCode, 0);
+    EXPECT_EQ(Get("l.icl").size(), file.size());
 }
 
 TEST_F(ContainerVerbs, ASignedProgramNeedsAWord) {

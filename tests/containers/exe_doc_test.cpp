@@ -167,6 +167,31 @@ TEST(ExeDoc, ReplacingTakesFreeNumbersAndRemovesOrphans) {
     EXPECT_EQ(again[1]->GetCount(), 4);
 }
 
+// Names are any 16-bit units; text in between would make two of them one.
+TEST(ExeDoc, ANameThatIsNoTextStaysUnitForUnit) {
+    const std::u16string first = u"A\xD800", second = u"A\xDC00";
+    TreeBuilder builder;
+    builder.Image(1, 0, k16);
+    builder.Image(2, 0, k32);
+    builder.Group(ResourceKey(first), 0, {{1, k16}});
+    builder.Group(ResourceKey(second), 0, {{2, k32}});
+    Opened o(builder.File());
+    ASSERT_TRUE(o.document.ReplaceIcon(0, *MakeIcon("", {k48})));
+    ASSERT_TRUE(o.document.OnSaveDocument(o.path));
+    ASSERT_TRUE(o.document.OnOpenDocument(o.path));
+    ASSERT_EQ(o.document.GetCount(), 2);
+    EXPECT_EQ(o.document.GetIcon(0)->GetIcon(0)->m_nWidth, 48);
+    EXPECT_EQ(o.document.GetIcon(0)->m_strName, "A\uFFFD");
+    EXPECT_EQ(o.document.FindGroup(ResourceKey(std::u16string(u"a\xDC00"))), 1) << "in whatever case";
+    ASSERT_TRUE(o.document.RemoveIcons({1}));
+    ASSERT_TRUE(o.document.AddIcon(*MakeIcon("", {k16}), ResourceKey(std::u16string(u"\u00E9\xD800")), 0));
+    ASSERT_TRUE(o.document.OnSaveDocument(o.path));
+    const auto tree = o.Tree();
+    EXPECT_EQ(tree.Find(kResourceGroupIcon)->names.size(), 2u);
+    EXPECT_TRUE(tree.Find(kResourceGroupIcon, ResourceKey(first), 0));
+    EXPECT_TRUE(tree.Find(kResourceGroupIcon, ResourceKey(std::u16string(u"\u00C9\xD800")), 0)) << "capitals";
+}
+
 TEST(ExeDoc, AnEditedIconKeepsTheNumbersOfItsFormats) {
     Opened o(SampleIcons().File());
     // One format was removed in the editor, one added: the freed number is taken again.
@@ -183,7 +208,7 @@ TEST(ExeDoc, RemovingAndAdding) {
     Opened o(SampleIcons().File());
     EXPECT_EQ(o.document.FreeGroupId(), 1);
     ASSERT_TRUE(o.document.RemoveIcons({1}));
-    ASSERT_TRUE(o.document.AddIcon(*MakeIcon("", {k48}), o.document.FreeGroupId(), 0));
+    ASSERT_TRUE(o.document.AddIcon(*MakeIcon("", {k48}), GroupKey(o.document.FreeGroupId(), {}), 0));
     ASSERT_TRUE(o.document.OnSaveDocument(o.path));
     EXPECT_EQ(o.Ids(kResourceGroupIcon), (std::vector<int>{-1, 1}));
     EXPECT_EQ(o.Ids(kResourceIcon), (std::vector<int>{1, 5}));

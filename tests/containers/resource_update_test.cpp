@@ -267,6 +267,22 @@ TEST(ReplaceResources, MakesRoomForASectionHeader) {
     }
 }
 
+TEST(ReplaceResources, HeadersThatReachIntoSectionsStillEndInsideTheFile) {
+    for (const bool behind : {false, true}) {
+        const auto grown = AddOne(BuildPe(SampleSpec(false, behind)), SomeBytes(9000));
+        ASSERT_EQ(grown.result, ResourceChange::Done);
+        auto file = grown.file;
+        StoreU32LE(file.data() + grown.Image().OptionalOffset() + 60, 0x1000);
+        const auto shrunk = AddOne(file, kText);
+        ASSERT_EQ(shrunk.result, ResourceChange::Done);
+        EXPECT_EQ(shrunk.file.size(), file.size());
+        ExpectSound(shrunk.Image());
+        const auto again = AddOne(shrunk.file, SomeBytes(20000));
+        ASSERT_EQ(again.result, ResourceChange::Done);
+        ExpectSampleTree(ReadResourceTree(again.Image()));
+    }
+}
+
 TEST(ReplaceResources, LeavesASectionAloneThatIsNotOnlyResources) {
     const auto grow = [](PeSpec& spec) {
         auto& bytes = spec.sections[1].bytes;
@@ -323,6 +339,38 @@ TEST(ReplaceResources, RefusesWhatCannotBeChangedSafely) {
     }
 }
 
+// A thousand names in one directory of languages: loaders find them all.
+TEST(ResourceTree, ADirectoryMayBelongToManyNames) {
+    constexpr std::uint32_t kNames = 1000, kLanguages = 40 + 8 * kNames, kEntry = kLanguages + 24;
+    PeSpec spec;
+    ByteWriter tree;
+    const auto directory = [&](std::uint32_t count) {
+        tree.Zeros(14);
+        tree.U16LE(count);
+    };
+    directory(1);
+    tree.U32LE(10);
+    tree.U32LE(0x80000018);
+    directory(kNames);
+    for (std::uint32_t i = 1; i <= kNames; ++i) {
+        tree.U32LE(i);
+        tree.U32LE(0x80000000 | kLanguages);
+    }
+    directory(1);
+    tree.U32LE(1033);
+    tree.U32LE(kEntry);
+    for (const auto field : {AddressOf(spec, 0), 16u, 0u, 0u}) tree.U32LE(field);
+    spec.directories.push_back({PeDirectory::Resources, AddressOf(spec, 0), static_cast<std::uint32_t>(tree.Size())});
+    spec.sections.push_back({".rsrc", tree.Take()});
+    const auto file = BuildPe(spec);
+    ResourceTreeFacts facts;
+    EXPECT_EQ(ReadResourceTree(PeImage::Parse(file).value(), &facts).types.at(0).names.size(), kNames);
+    EXPECT_TRUE(facts.whole && facts.complete);
+    const auto changed = AddOne(file, kText);
+    ASSERT_EQ(changed.result, ResourceChange::Done);
+    EXPECT_EQ(ReadResourceTree(changed.Image()).types.at(1).names.size(), kNames);
+}
+
 TEST(ResourceTree, DirectoriesThatShareTheirEntriesDoNotMultiply) {
     // Every entry of every level leads to one and the same directory.
     PeSpec spec;
@@ -338,7 +386,7 @@ TEST(ResourceTree, DirectoriesThatShareTheirEntriesDoNotMultiply) {
     const auto file = BuildPe(spec);
     ResourceTreeFacts facts;
     EXPECT_TRUE(ReadResourceTree(PeImage::Parse(file).value(), &facts).types.empty());
-    EXPECT_FALSE(facts.whole);
+    EXPECT_FALSE(facts.whole || facts.complete);
 }
 
 TEST(ReplaceResources, AnEmptyResourceMayStandBehindTheLastByte) {
