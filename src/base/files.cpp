@@ -341,6 +341,11 @@ void SafeFile::Seek(std::uint64_t pos) {
     m_pos = pos;
 }
 
+void SafeFile::EndHere() {
+    Flush();
+    if (ftruncate(m_descriptor, static_cast<off_t>(m_pos)) != 0) Throw(errno);
+}
+
 void SafeFile::TakeModeOf(std::string_view path) {
     struct stat info;
     if (Stat(path, info)) (void)fchmod(m_descriptor, info.st_mode & 07777);

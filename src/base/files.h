@@ -101,6 +101,8 @@ public:
     /// Moves to `pos` from the start, to write again what was not yet known.
     void Seek(std::uint64_t pos);
     [[nodiscard]] std::uint64_t Pos() const { return m_pos; }
+    /// Cuts off what was written behind this place.
+    void EndHere();
     /// Gives the file the mode bits of another one, in place of those that it has by itself. No failure when it cannot.
     void TakeModeOf(std::string_view path);
     /// Flushes to the disk and takes the final name.

@@ -23,7 +23,8 @@ bool SaveDocument(Run& run, CDocument& document, const RunPrompt& prompt, const 
     // A command that fails leaves nothing behind that could be taken for its result.
     if (isNew) DeleteFile(path);
     const auto reason = prompt.Reason("the file cannot be saved");
-    throw FileException(detail && !detail->empty() ? reason + ": " + *detail : reason);
+    if (!detail || detail->empty()) throw FileException(reason);
+    throw FileException(reason.ends_with('.') ? fmt::format("{} ({})", reason, *detail) : reason + ": " + *detail);
 }
 
 } // namespace pelorin::cli

@@ -143,7 +143,7 @@ void ToLibrary(Run& run, const std::vector<std::string>& files, const std::vecto
     if (library.GetCount() == 0) return;
     const auto& path = run.Options().output;
     run.Attempt(path, [&] {
-        if (!SaveDocument(run, library, prompt, path)) return;
+        if (!SaveDocument(run, library, prompt, path, &library.m_strReason)) return;
         run.Note(
             fmt::format("{}  {}, {}", Printable(path), Counted(library.GetCount(), "icon"), BytesText(FileSize(path))));
     });

@@ -95,7 +95,7 @@ public:
             throw FileException("this is a program, of which a library would keep the icons alone: "
                                 "write to another file, or change its icons with the program verbs");
         }
-        if (!SaveDocument(m_run, document, m_prompt, path)) return;
+        if (!SaveDocument(m_run, document, m_prompt, path, &document.m_strReason)) return;
         m_run.Note(fmt::format("{}  {}, {}", Printable(path), Counted(document.GetCount(), "icon"),
                                BytesText(FileSize(path))));
     }
@@ -143,10 +143,12 @@ void Sort(Run& run, const LibraryOptions& options) {
     LibraryInput library(run, options);
     if (options.rest.empty()) {
         library.view.SelectAll();
+        if (library.view.GetSelection().size() > 1) library.view.SortByName();
     } else {
         library.Choose(options.rest);
+        // A single one may stand for all: the view asks.
+        if (!library.view.SortByName() && !run.Options().answer) throw library.Failure("nothing was sorted");
     }
-    if (library.view.GetSelection().size() > 1) library.view.SortByName();
     library.Save();
 }
 

@@ -82,7 +82,8 @@ void ListAsJson(Run& run, const std::vector<std::string>& files) {
 }
 
 std::string FormatsOneByOne(const std::string& file, const IconOutline& icon) {
-    auto text = fmt::format("{}  {}\n", Printable(file), SizeTextOf(icon));
+    const auto name = icon.name.empty() ? std::string() : Printable(icon.name) + "  ";
+    auto text = fmt::format("{}  {}{}\n", Printable(file), name, SizeTextOf(icon));
     TextTable table("rllrl", "  ");
     int number = 0;
     for (const auto& row : icon.formats) {

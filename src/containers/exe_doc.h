@@ -53,7 +53,6 @@ public:
     /// The setting by which a save over the file itself is asked about first; the person can turn it off. Null: never.
     bool* m_pWarnOverwrite = nullptr;
     bool m_bDropSignature = false;         ///< set by the caller, or by the person's answer
-    std::string m_strReason;               ///< why the last save failed, where the system told
     ResourceUpdater* m_pUpdater = nullptr; ///< null: the document's own
 
 protected:

@@ -204,7 +204,7 @@ bool CFileExeDoc::SaveInPlace(const std::string& source, const std::string& path
 bool CFileExeDoc::SaveByUpdate(const std::string& source, const std::string& path) {
     const auto failWith = [&](int error) { return Fail(path, FormatText(str::kErrorCode, error)); };
     if (!m_bComplete) {
-        m_strReason = "the file's icons ask for more memory than can be";
+        m_strReason = "the file's icons multiply beyond all sense, not all of them were read";
         return failWith(kErrorBegin);
     }
     auto update = Updater().BeginUpdateResource(source, m_bDropSignature, &m_strReason);
@@ -221,6 +221,7 @@ bool CFileExeDoc::SaveByUpdate(const std::string& source, const std::string& pat
     const auto table = m_arrIds;
     RebuildIdTable();
     const auto changed = ChangedIcons();
+    update->BeginToWrite();
     CompressImages(changed);
     for (std::size_t i = 0; error == 0 && i < changed.size(); ++i) error = steps.PutIcon(*changed[i]);
     if (error == 0) error = steps.DeleteGroups();

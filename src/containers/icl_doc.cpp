@@ -50,7 +50,8 @@ bool CFileIclDoc::OnSaveDocument(const std::string& path) {
     if (!MergeEditors(GetTitle()) || !EnsureFolder(target)) return false;
     std::vector<CIconGroup*> icons;
     for (const auto& icon : m_arrIcons) icons.push_back(icon.get());
-    if (!SaveLibrary(target, icons, m_form, m_updater, prompt, GetServices().progress)) return false;
+    m_strReason.clear();
+    if (!SaveLibrary(target, icons, m_form, m_updater, prompt, GetServices().progress, &m_strReason)) return false;
     m_bMacintoshWrapper = false;
     for (auto* icon : icons) icon->m_bChanged = false;
     if (target != GetPathName()) SetPathName(target, true);

@@ -14,9 +14,12 @@ void TellUnableToSave(UserPrompt& prompt, const std::string& path, const std::st
 } // namespace
 
 bool SaveLibrary(const std::string& path, IconList icons, LibraryForm form, ResourceUpdater& updater,
-                 UserPrompt& prompt, Progress* progress) {
+                 UserPrompt& prompt, Progress* progress, std::string* reason) {
+    const auto because = [&](std::string_view text) {
+        if (reason) *reason = text;
+    };
     if (form == LibraryForm::Pe) {
-        const auto error = WriteLibraryPe(path, icons, updater, progress);
+        const auto error = WriteLibraryPe(path, icons, updater, progress, reason);
         if (error == LibraryError::None) return true;
         TellUnableToSave(prompt, path, FormatText(str::kErrorCode, static_cast<int>(error)));
         return false;
@@ -24,6 +27,7 @@ bool SaveLibrary(const std::string& path, IconList icons, LibraryForm form, Reso
     bool opened = false;
     try {
         if (!FitsLibraryNe(icons)) {
+            because("the 16-bit form holds 32,767 icons, as many images, and 64 MB");
             TellUnableToSave(prompt, path, {});
             return false;
         }
@@ -35,6 +39,7 @@ bool SaveLibrary(const std::string& path, IconList icons, LibraryForm form, Reso
         if (opened) {
             (void)prompt.ShowText(str::kErrorSavingChanges, e.what(), PromptIcon::Stop, PromptButtons::Ok);
         } else {
+            because(e.what());
             TellUnableToSave(prompt, path, {});
         }
         return false;

@@ -38,9 +38,9 @@ enum class LibraryError {
 };
 
 /// Writes the PE form to a temporary file first; the target stays as it was unless all went well. A library without
-/// icons is the blank DLL.
+/// icons is the blank DLL. `reason` tells what the system said of a failure.
 [[nodiscard]] LibraryError WriteLibraryPe(const std::string& path, IconList icons, ResourceUpdater& updater,
-                                          Progress* progress = nullptr);
+                                          Progress* progress = nullptr, std::string* reason = nullptr);
 
 /// True when the counts and the sizes fit the NE form: 32,767 icons and images at most, all of it within 65,535 units.
 /// Makes the PNG files of compressed images, to know their sizes; they stay on the images for `WriteLibraryNe`.
@@ -48,9 +48,10 @@ enum class LibraryError {
 /// The NE form. Throws `FileException`; the file stays as it was then.
 void WriteLibraryNe(const std::string& path, IconList icons, Progress* progress = nullptr);
 
-/// Writes either form and tells the person about a failure. True when it was written.
+/// Writes either form and tells the person about a failure; `reason`, where given, tells more. True when it was
+/// written.
 [[nodiscard]] bool SaveLibrary(const std::string& path, IconList icons, LibraryForm form, ResourceUpdater& updater,
-                               UserPrompt& prompt, Progress* progress = nullptr);
+                               UserPrompt& prompt, Progress* progress = nullptr, std::string* reason = nullptr);
 
 /// The form of a file that is a library already; PE for everything else.
 [[nodiscard]] LibraryForm FormOfLibrary(ByteSpan file);

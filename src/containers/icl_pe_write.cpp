@@ -103,8 +103,9 @@ private:
     IconList m_icons;
 };
 
-LibraryError PutIcons(const std::string& path, IconList icons, ResourceUpdater& updater, Progress* progress) {
-    auto update = updater.BeginUpdateResource(path);
+LibraryError PutIcons(const std::string& path, IconList icons, ResourceUpdater& updater, Progress* progress,
+                      std::string& reason) {
+    auto update = updater.BeginUpdateResource(path, false, &reason);
     if (!update) return LibraryError::NoUpdate;
     ProgressScope scope(progress, LoadText(str::kSaving), icons.size());
     LibraryUpdate work(updater, *update, icons);
@@ -117,25 +118,30 @@ LibraryError PutIcons(const std::string& path, IconList icons, ResourceUpdater& 
         return error;
     }
     try {
-        if (updater.EndUpdateResource(std::move(update), false)) return LibraryError::None;
-    } catch (const FileException&) {
+        if (updater.EndUpdateResource(std::move(update), false, &reason)) return LibraryError::None;
+    } catch (const FileException& e) {
+        reason = e.what();
     }
     return LibraryError::NotWritten;
 }
 
 } // namespace
 
-LibraryError WriteLibraryPe(const std::string& path, IconList icons, ResourceUpdater& updater, Progress* progress) {
+LibraryError WriteLibraryPe(const std::string& path, IconList icons, ResourceUpdater& updater, Progress* progress,
+                            std::string* reason) {
+    std::string unwanted;
+    auto& because = reason ? *reason : unwanted;
     const TemporaryFile temporary;
     if (temporary.Path().empty()) return LibraryError::NoTemporaryName;
     if (!ExtractBlankDll(temporary.Path())) return LibraryError::NoTemplate;
     if (!icons.empty()) {
-        const auto error = PutIcons(temporary.Path(), icons, updater, progress);
+        const auto error = PutIcons(temporary.Path(), icons, updater, progress, because);
         if (error != LibraryError::None) return error;
     }
     try {
         WriteFileSafely(path, FileView::Open(temporary.Path()).Data());
-    } catch (const FileException&) {
+    } catch (const FileException& e) {
+        because = e.what();
         return LibraryError::NotCopied;
     }
     return LibraryError::None;

@@ -51,6 +51,7 @@ public:
     [[nodiscard]] bool SaveModified();
     /// "Save As" without a path of its own asks this; set by the shell. Empty: the person left.
     std::string (*m_pfnAskPath)(CIconContainerDoc& document) = nullptr;
+    std::string m_strReason; ///< why the last save failed, where the system told
 
 protected:
     /// The question about changes in edit windows.

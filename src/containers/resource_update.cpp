@@ -10,6 +10,19 @@ void Tell(std::string* reason, std::string_view text) {
 
 } // namespace
 
+void ResourceUpdate::OpenTarget() {
+    if (!m_copy) m_copy = std::make_unique<CopyAhead>(m_target, m_path, m_file.Data());
+}
+
+void ResourceUpdate::BeginToWrite() {
+    try {
+        OpenTarget();
+        m_copy->Start();
+    } catch (const FileException&) {
+        return; // the end of the update tries once more
+    }
+}
+
 std::unique_ptr<ResourceUpdate> ResourceUpdater::BeginUpdateResource(std::string_view path, bool dropSignature,
                                                                      std::string* reason) {
     auto update = std::make_unique<ResourceUpdate>();
@@ -56,10 +69,8 @@ bool ResourceUpdater::EndUpdateResource(std::unique_ptr<ResourceUpdate> update, 
         Tell(reason, DescribeResourceChange(change));
         return false;
     }
-    SafeFile file(update->m_target);
-    file.TakeModeOf(update->m_path);
-    for (const auto piece : splice.Pieces()) file.Write(piece);
-    file.Commit();
+    update->OpenTarget();
+    update->m_copy->Finish(splice.Pieces());
     return true;
 }
 

@@ -1,7 +1,7 @@
 // Changing the resources of a program file, in three steps: begin, any number of updates, end.
 #pragma once
 
-#include "base/files.h"
+#include "containers/copy_ahead.h"
 #include "containers/pe_resources.h"
 
 #include <list>
@@ -14,9 +14,13 @@ class ResourceUpdate {
 public:
     /// The changed file goes to this path, with the mode bits of the one that was read, which stays as it is.
     void WriteTo(std::string_view path) { m_target = path; }
+    /// Begins to write what will not change, while the caller still makes what will. What fails is told at the end.
+    void BeginToWrite();
 
 private:
     friend class ResourceUpdater;
+
+    void OpenTarget();
 
     std::string m_path, m_target;
     FileView m_file;
@@ -24,6 +28,7 @@ private:
     ResourceTree m_tree;
     std::list<Bytes> m_added; // what the tree's spans point to
     bool m_dropSignature = false;
+    std::unique_ptr<CopyAhead> m_copy;
 };
 
 /// The three operations. Virtual, so that a test can make any of them fail.

@@ -62,6 +62,8 @@ TEST_F(ContainerVerbs, ALibraryFromItsCreationToItsIcons) {
 
         EXPECT_EQ(Run({"library", "sort", lib, "--in-place"}).exitCode, 0);
         EXPECT_THAT(IconNames(lib), ElementsAre("Ball", "Cube"));
+        EXPECT_THAT(Run({"library", "sort", lib, "1", "--in-place"}).err, HasSubstr("only one icon selected"));
+        EXPECT_EQ(Run({"library", "sort", lib, "1", "--in-place", "--yes"}).exitCode, 0);
         EXPECT_EQ(Run({"library", "add", lib, "cube.ico", "--at", "1", "--in-place", "--backup"}).exitCode, 0);
         EXPECT_THAT(IconNames(lib), ElementsAre("Cube", "Ball", "Cube"));
         EXPECT_THAT(IconNames(lib + ".bak"), ElementsAre("Ball", "Cube"));
@@ -69,6 +71,7 @@ TEST_F(ContainerVerbs, ALibraryFromItsCreationToItsIcons) {
         EXPECT_THAT(IconNames("named.icl"), ElementsAre("a%s 01", "a%s 02", "Cube"));
         EXPECT_EQ(Run({"library", "remove", lib, "cube", "--in-place"}).exitCode, 0);
         EXPECT_THAT(IconNames(lib), ElementsAre("Ball"));
+        EXPECT_THAT(Run({"library", "list", lib}).out, HasSubstr(lib + "  Ball  (2 formats)\n"));
         EXPECT_EQ(Run({"library", "extract", lib, "-o", form + "/"}).exitCode, 0);
         EXPECT_EQ(Get(form + "/Ball.ico"), Get("ball.ico"));
         // Single images come out on all cores, and are told in the order of the file.
@@ -133,6 +136,8 @@ TEST_F(ContainerVerbs, WhatCannotBeMeantIsRefused) {
         {{"library", "rename", "p.exe", "New", "1", "--in-place"}, 1, "p.exe: this is a program"},
         {{"library", "sort", "p.exe", "-o", "p.exe", "--force"}, 1, "p.exe: this is a program"},
         {{"library", "create", "l.icl", "a.ico", "-o", "m.icl"}, 2, "without --output"},
+        {{"library", "create", "/proc/x.icl", "a.ico"}, 1, "(error code 011): No such file"},
+        {{"library", "create", "/proc/x.icl", "a.ico", "--form", "ne"}, 1, "\"/proc/x.icl\". (No such file"},
         {{"program", "add", "p.exe", "a.ico", "--id", "3", "--name", "x"}, 2, "exclude each other"},
         {{"program", "add", "p.exe", "a.ico", "--id", "1"}, 1, "an icon of that number or name already"},
         {{"program", "replace", "p.exe", "1", "none.ico"}, 1, "p.exe: cannot take icons from \"none.ico\": No such"},
