@@ -74,7 +74,8 @@ public:
     [[nodiscard]] bool Ok() const { return m_ok; }
     [[nodiscard]] std::size_t Pos() const { return m_pos; }
     [[nodiscard]] std::size_t Size() const { return m_bytes.size(); }
-    [[nodiscard]] std::size_t Left() const { return m_bytes.size() - m_pos; }
+    /// 0 once a read has failed, so that a loop over what is left ends.
+    [[nodiscard]] std::size_t Left() const { return m_ok ? m_bytes.size() - m_pos : 0; }
     [[nodiscard]] bool AtEnd() const { return Left() == 0; }
     [[nodiscard]] ByteSpan All() const { return m_bytes; }
 

@@ -67,9 +67,17 @@ bool IsMetafile(ByteSpan file) {
 }
 
 DibBlock ReadMetafile(ByteSpan file, const PictureRequest& request, PictureFacts& facts) {
-    const auto& kind = KindOf(file);
     FileFacts known;
-    if (!kind.readFacts(file, known)) return {};
+    const auto* own = &KindOf(file);
+    if (!own->readFacts(file, known)) return {};
+    // A Windows metafile that was made from an enhanced one may carry it along, which says more.
+    const auto embedded = own == &kEnhancedKind ? Bytes() : metafile::ReadEmbeddedEmf(file);
+    if (FileFacts enhanced; !embedded.empty() && metafile::ReadEmfFacts(embedded, enhanced)) {
+        own = &kEnhancedKind;
+        file = embedded;
+        known = enhanced;
+    }
+    const auto& kind = *own;
     const auto size = PictureSize(known, request);
     if (!IsPictureSize(size.width, size.height)) return {};
 

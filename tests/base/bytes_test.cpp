@@ -14,6 +14,7 @@ TEST(ByteReader, APastEndReadLatches) {
     EXPECT_FALSE(in.Ok());
     EXPECT_EQ(in.U8(), 0) << "a byte is left, but the reader has failed";
     EXPECT_TRUE(in.Rest().empty());
+    EXPECT_TRUE(in.AtEnd()) << "a loop over what is left ends";
 }
 
 TEST(ByteReader, SubIsCheckedIn64Bits) {

@@ -1,65 +1,16 @@
-#include "formats/metafile.h"
 #include "formats/metafile/dib_source.h"
 #include "formats/metafile/raster.h"
 #include "pixel/color.h"
 #include "support/dib_builder.h"
 #include "support/hostile.h"
+#include "support/metafile_builder.h"
 
 #include <gtest/gtest.h>
 
 namespace pelorin {
 namespace {
 
-using test::At;
-
-constexpr Argb kClear = 0x00FFFFFF, kBlack = 0xFF000000, kRed = 0xFFFF0000, kBlue = 0xFF0000FF, kMagenta = 0xFFFF00FF;
-
-// ---- Windows metafiles ----
-
-using Words = std::vector<int>;
-
-struct WmfBuilder {
-    ByteWriter out;
-
-    void Header() {
-        for (const int word : {1, 9, 0x300, 0, 0, 4, 0, 0, 0}) out.U16LE(static_cast<std::uint32_t>(word));
-    }
-    WmfBuilder& Record(int function, const Words& words = {}) {
-        out.U32LE(static_cast<std::uint32_t>(words.size() + 3));
-        out.U16LE(static_cast<std::uint32_t>(function));
-        for (const int word : words) out.U16LE(static_cast<std::uint32_t>(word) & 0xFFFF);
-        return *this;
-    }
-    // A brush of a colour and no pen, as objects `first` and `first` + 1, and chosen.
-    WmfBuilder& Fill(int first, int blue, int green, int red) {
-        Record(0x02FC, {0, red | green << 8, blue, 0}).Record(0x02FA, {5, 0, 0, 0, 0});
-        return Record(0x012D, {first}).Record(0x012D, {first + 1});
-    }
-    Bytes Done() {
-        Record(0);
-        return out.Take();
-    }
-};
-
-WmfBuilder Placeable(int width, int height, int perInch) {
-    WmfBuilder file;
-    file.out.U32LE(0x9AC6CDD7);
-    for (const int word : {0, 0, 0, width, height, perInch, 0, 0, 0}) file.out.U16LE(static_cast<std::uint32_t>(word));
-    file.Header();
-    return file;
-}
-
-DibBlock Play(ByteSpan file, int box = 0, bool preview = false) {
-    PictureRequest request;
-    request.box = {box, box};
-    request.preview = preview;
-    PictureFacts facts;
-    return ReadMetafile(file, request, facts);
-}
-
-Size SizeOf(const DibBlock& block) {
-    return {DIBWidth(block), DIBHeight(block)};
-}
+using namespace test;
 
 TEST(Metafile, IsFittedToTheBox) {
     EXPECT_EQ(SizeOf(Play(Placeable(200, 100, 100).Done())), (Size{512, 256}));
@@ -215,40 +166,6 @@ TEST(Metafile, BitmapsAndRegions) {
 }
 
 // ---- enhanced metafiles ----
-
-struct EmfBuilder {
-    ByteWriter out;
-
-    // A device of 10 pixels to the millimetre and a picture of `width` x `height` pixels that begins at `left`, `top`.
-    EmfBuilder(int width, int height, int left = 0, int top = 0) {
-        for (const int value : {1, 88, 0, 0, 0, 0, left * 10, top * 10, (left + width) * 10, (top + height) * 10}) {
-            out.I32LE(value);
-        }
-        out.Text(" EMF");
-        out.Zeros(28);
-        for (const int value : {3200, 2400, 320, 240}) out.I32LE(value);
-    }
-    EmfBuilder& Record(int type, const Words& values = {}) {
-        out.I32LE(type);
-        out.U32LE(static_cast<std::uint32_t>(8 + values.size() * 4));
-        for (const int value : values) out.I32LE(value);
-        return *this;
-    }
-    EmfBuilder& Fill(int color) {
-        Record(39, {1, 0, color, 0}).Record(37, {1});
-        return Record(37, {static_cast<int>(0x80000008u)});
-    }
-    Bytes Done() {
-        Record(14, {0, 0, 20});
-        return out.Take();
-    }
-};
-
-int FloatBits(float value) {
-    int bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
 
 TEST(Emf, FrameMappingModesAndTransforms) {
     struct Case {
@@ -480,7 +397,7 @@ TEST(Metafile, SurvivesDamage) {
     wmf.Record(0x0A32, {4, 4, 2, 2, 0, 0, 20, 20, 'A' | 'g' << 8, 7, 7});
     wmf.Record(0x0F43, {0x20, 0xCC, 0, 1, 1, 0, 0, 8, 8, 1, 1, 40, 0, 1, 0, 1, 0,
                         1,    24,   0, 0, 0, 0, 0, 0, 0, 0, 0, 0,  0, 0, 0, 7, 8});
-    test::ExpectSurvivesDamage(PlaySmall, wmf.Done());
+    ExpectSurvivesDamage(PlaySmall, wmf.Done());
 
     auto emf = EmfBuilder(32, 32).Fill(0xFF);
     emf.Record(59)
@@ -494,7 +411,7 @@ TEST(Metafile, SurvivesDamage) {
         .Record(90, {0, 0, 0, 0, 2, 4, 2, 2, 0, 9, 9 << 16, 30});
     emf.Record(75, {48, 1, 32, 1, 1, 16, 0, 0, 0, 0, 0, 0, 20, 20}).Record(30, {0, 0, 25, 25});
     emf.Record(84, {0, 0, 0, 0, 1, 0, 0, 4, 4, 2, 76, 0, 0, 0, 0, 0, 0, 'a' | 'B' << 16});
-    test::ExpectSurvivesDamage(PlaySmall, emf.Done());
+    ExpectSurvivesDamage(PlaySmall, emf.Done());
 }
 
 TEST(Metafile, WorkHasAnEnd) {

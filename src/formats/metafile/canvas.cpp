@@ -84,6 +84,21 @@ bool Canvas::Spend(std::uint64_t steps) {
     return m_work != 0;
 }
 
+void Canvas::Reach(Point corner) {
+    m_reached = {std::min(m_reached.left, corner.x), std::min(m_reached.top, corner.y),
+                 std::max(m_reached.right, corner.x), std::max(m_reached.bottom, corner.y)};
+}
+
+Rect Canvas::Reach(std::initializer_list<Point> corners) {
+    Rect box{INT_MAX, INT_MAX, INT_MIN, INT_MIN};
+    for (const auto& corner : corners) {
+        Reach(corner);
+        box = {std::min(box.left, corner.x), std::min(box.top, corner.y), std::max(box.right, corner.x),
+               std::max(box.bottom, corner.y)};
+    }
+    return box.Intersect(Bounds());
+}
+
 bool Canvas::Visible(int x, int y) const {
     if (x < 0 || y < 0 || x >= Width() || y >= Height()) return false;
     return !m_clip || m_clip->inside[static_cast<std::size_t>(y) * static_cast<std::size_t>(Width()) +

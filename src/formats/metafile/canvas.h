@@ -7,6 +7,9 @@
 #include "formats/metafile/geometry.h"
 #include "pixel/surface.h"
 
+#include <climits>
+
+#include <initializer_list>
 #include <memory>
 
 namespace pelorin::metafile {
@@ -59,6 +62,13 @@ public:
     bool Spend(std::uint64_t steps);
     [[nodiscard]] bool Exhausted() const { return m_work == 0; }
 
+    /// Tells that a figure has these corners; gives the box of them on the canvas.
+    Rect Reach(std::initializer_list<Point> corners);
+    void Reach(Point corner);
+    /// The box of all that was drawn so far, on the canvas or not; the lower right corners do not belong to it.
+    [[nodiscard]] Rect Reached() const { return m_reached; }
+    void SetReached(const Rect& box) { m_reached = box; }
+
     [[nodiscard]] bool Visible(int x, int y) const;
     void Put(int x, int y, Rop rop, Rgb pattern, Rgb source = 0);
     /// The pixels from `left` to before `right`.
@@ -69,6 +79,7 @@ private:
     Surface m_surface;
     Clip m_clip;
     std::uint64_t m_work;
+    Rect m_reached{INT_MAX, INT_MAX, INT_MIN, INT_MIN};
 };
 
 } // namespace pelorin::metafile

@@ -29,8 +29,22 @@ void ReadMasks(ByteReader& in, Header& header) {
     }
 }
 
+void ReadTable(ByteReader& in, Header& header, std::uint32_t colors, bool triples, DibTable kind,
+               const Palette& palette) {
+    const auto most = 1u << header.bits;
+    const auto count = colors == 0 || colors > most ? most : colors;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        switch (kind) {
+        case DibTable::Numbers: header.table[i] = PaletteColor(palette, in.U16LE()); break;
+        case DibTable::None: header.table[i] = PaletteColor(palette, i); break;
+        case DibTable::Colors:
+            header.table[i] = triples ? Rgb{in.U8()} | Rgb{in.U8()} << 8 | Rgb{in.U8()} << 16 : in.U32LE() & 0xFFFFFF;
+        }
+    }
+}
+
 // Afterwards `in` stands behind the table.
-bool ReadHeader(ByteReader& in, Header& header) {
+bool ReadHeader(ByteReader& in, Header& header, DibTable kind, const Palette& palette) {
     const auto size = in.U32LE();
     std::uint32_t colors = 0;
     std::int64_t height = 0;
@@ -63,12 +77,7 @@ bool ReadHeader(ByteReader& in, Header& header) {
         return false;
     header.height = static_cast<int>(height);
     if (header.bits <= 8) {
-        const auto most = 1u << header.bits;
-        const auto count = colors == 0 || colors > most ? most : colors;
-        for (std::uint32_t i = 0; i < count; ++i) {
-            header.table[i] =
-                size == 12 ? Rgb{in.U8()} | Rgb{in.U8()} << 8 | Rgb{in.U8()} << 16 : in.U32LE() & 0xFFFFFF;
-        }
+        ReadTable(in, header, colors, size == 12, kind, palette);
     } else {
         in.Skip(std::uint64_t{colors} * 4);
     }
@@ -146,10 +155,10 @@ Surface DecodeRuns(const ByteReader& in, const Header& header) {
 
 } // namespace
 
-Surface DecodeDib(ByteSpan headerBytes, ByteSpan rows) {
+Surface DecodeDib(ByteSpan headerBytes, ByteSpan rows, DibTable table, const Palette& palette) {
     ByteReader in(headerBytes);
     Header header;
-    if (!ReadHeader(in, header)) return {};
+    if (!ReadHeader(in, header, table, palette)) return {};
     if (!rows.empty()) in = ByteReader(rows);
     if (header.compression == kRle8 || header.compression == kRle4) return DecodeRuns(in, header);
     const auto bytes = in.Take(header.Stride() * static_cast<std::size_t>(header.height));

@@ -5,7 +5,7 @@ namespace pelorin::metafile::emf {
 
 namespace {
 
-constexpr std::uint32_t kStockObject = 0x80000000;
+constexpr std::uint32_t kStockObject = 0x80000000, kStockPalette = 15;
 
 // Brushes 0 to 5 from white to none, pens 6 to 8 white, black and none, fonts behind them.
 Object StockObject(std::uint32_t number) {
@@ -22,20 +22,18 @@ Object StockObject(std::uint32_t number) {
     }
 }
 
-} // namespace
-
 void CreatePen(Emf& emf, ByteReader& in) {
     const auto index = in.U32LE(), style = in.U32LE();
     const double width = in.I32LE();
     in.Skip(4);
-    emf.painter.SetObject(index, MakePen(style, width, ReadColor(in)));
+    emf.painter.SetObject(index, MakePen(style, width, emf.Color(in)));
 }
 
 void ExtCreatePen(Emf& emf, ByteReader& in) {
     const auto index = in.U32LE();
     in.Skip(16);
     const auto style = in.U32LE(), width = in.U32LE(), brush = in.U32LE();
-    const auto color = ReadColor(in);
+    const auto color = emf.Color(in);
     in.Skip(4);
     const auto count = in.U32LE();
     auto pen = MakePen(style, width, color);
@@ -48,31 +46,90 @@ void ExtCreatePen(Emf& emf, ByteReader& in) {
 
 void CreateBrush(Emf& emf, ByteReader& in) {
     const auto index = in.U32LE(), style = in.U32LE();
-    const auto color = ReadColor(in);
+    const auto color = emf.Color(in);
     emf.painter.SetObject(index, MakeBrush(style, color, in.U32LE()));
 }
 
-void CreatePattern(Emf& emf, ByteReader& in) {
-    const auto index = in.U32LE();
-    in.Skip(4);
-    const auto header = in.U32LE(), headerSize = in.U32LE(), rows = in.U32LE(), rowsSize = in.U32LE();
-    emf.painter.SetObject(index, MakePatternBrush(DecodeDib(emf.Part(header, headerSize), emf.Part(rows, rowsSize))));
+// Of one bit a pixel: the colours of text and ground; or of any bitmap.
+void CreatePattern(Emf& emf, ByteReader& in, bool twoColors) {
+    const auto index = in.U32LE(), usage = in.U32LE();
+    const auto places = DibPlaces::Read(in);
+    auto picture = Charged(emf.painter.Target(), places.Decode(emf, usage), 1);
+    if (twoColors) {
+        for (int y = 0; y < picture.Height(); ++y) {
+            for (int x = 0; x < picture.Width(); ++x) {
+                picture.Put(x, y, (picture.At(x, y) & 0xFFFFFF) == 0 ? emf.Now().textColor : emf.Now().ground);
+            }
+        }
+    }
+    emf.painter.SetObject(index, MakePatternBrush(std::move(picture)));
 }
 
 void CreateFont(Emf& emf, ByteReader& in) {
     const auto index = in.U32LE();
     const double height = in.I32LE(), width = in.I32LE();
-    const int angle = in.I32LE();
-    in.Skip(4);
-    const int weight = in.I32LE();
-    const bool italic = in.U8() != 0, underline = in.U8() != 0, strikeOut = in.U8() != 0;
-    emf.painter.SetObject(index, MakeFont(height, width, angle, weight, italic, underline, strikeOut));
+    emf.painter.SetObject(index, ReadFont(in, height, width, 4, 2));
+}
+
+void CreatePalette(Emf& emf, ByteReader& in) {
+    const auto index = in.U32LE();
+    in.Skip(2);
+    const auto count = in.U16LE();
+    emf.painter.SetObject(index, std::make_shared<const std::vector<Rgb>>(ReadPaletteEntries(in, count)));
+}
+
+void SelectPalette(Emf& emf, ByteReader& in) {
+    const auto index = in.U32LE();
+    if (index == (kStockObject | kStockPalette)) {
+        emf.Now().palette = nullptr;
+    } else {
+        emf.painter.SelectPalette(index);
+    }
+}
+
+void SetPaletteEntries(Emf& emf, ByteReader& in) {
+    const auto index = in.U32LE(), first = in.U32LE(), count = in.U32LE();
+    emf.painter.ChangePalette(index, first, ReadPaletteEntries(in, count));
 }
 
 void SelectObject(Emf& emf, ByteReader& in) {
     const auto index = in.U32LE();
     if (index & kStockObject) return emf.painter.Select(StockObject(index & ~kStockObject));
     emf.painter.SelectObject(index);
+}
+
+constexpr Row kRows[] = {
+    {37, SelectObject},
+    {38, CreatePen},
+    {39, CreateBrush},
+    {40, [](Emf& e, ByteReader& in) { e.painter.DeleteObject(in.U32LE()); }},
+    {48, SelectPalette},
+    {49, CreatePalette},
+    {50, SetPaletteEntries},
+    {51,
+     [](Emf& e, ByteReader& in) {
+         const auto index = in.U32LE();
+         e.painter.ResizePalette(index, in.U32LE());
+     }},
+    {82, CreateFont},
+    {93, [](Emf& e, ByteReader& in) { CreatePattern(e, in, true); }},
+    {94, [](Emf& e, ByteReader& in) { CreatePattern(e, in, false); }},
+    {95, ExtCreatePen},
+};
+
+} // namespace
+
+std::span<const Row> ObjectRows() {
+    return kRows;
+}
+
+Surface DibPlaces::Decode(Emf& emf, std::uint32_t usage) const {
+    constexpr std::uint64_t kPixelsOfAStep = 8;
+    if (headerSize == 0) return {};
+    const auto table = usage == 1 ? DibTable::Numbers : usage == 2 ? DibTable::None : DibTable::Colors;
+    return Charged(emf.painter.Target(),
+                   DecodeDib(emf.Part(header, headerSize), emf.Part(rows, rowsSize), table, emf.Now().palette),
+                   kPixelsOfAStep);
 }
 
 } // namespace pelorin::metafile::emf

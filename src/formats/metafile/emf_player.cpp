@@ -57,10 +57,10 @@ void PolyDraw(Emf& emf, ByteReader& in) {
 
 // ---- state ----
 
-void ScaleExtent(ByteReader& in, PointF& extent) {
+PointF Scaled(ByteReader& in, PointF extent) {
     const double xUp = in.I32LE(), xDown = in.I32LE(), yUp = in.I32LE(), yDown = in.I32LE();
-    if (!in.Ok() || xDown == 0 || yDown == 0) return;
-    extent = {extent.x * xUp / xDown, extent.y * yUp / yDown};
+    if (!in.Ok() || xDown == 0 || yDown == 0) return extent;
+    return {extent.x * xUp / xDown, extent.y * yUp / yDown};
 }
 
 void ModifyTransform(Emf& emf, ByteReader& in) {
@@ -80,43 +80,6 @@ void SetMiterLimit(Emf& emf, ByteReader& in) {
     auto again = in;
     const double limit = ReadFloat(in);
     emf.Now().miterLimit = std::max(1.0, limit > 1e-6 ? limit : again.U32LE());
-}
-
-Combination ReadCombination(ByteReader& in) {
-    const auto how = in.U32LE();
-    return how >= 1 && how <= 5 ? static_cast<Combination>(how) : Combination::Copy;
-}
-
-// ---- regions: a header of 32 bytes and rectangles ----
-
-std::vector<Rect> ReadRegion(ByteReader in) {
-    in.Skip(8);
-    const auto count = in.U32LE();
-    in.Skip(20);
-    std::vector<Rect> parts;
-    for (std::uint32_t i = 0; i < count && in.Left() >= 16; ++i) parts.push_back(ReadRect(in));
-    return parts;
-}
-
-void SelectClipRegion(Emf& emf, ByteReader& in) {
-    const auto size = in.U32LE();
-    const auto how = ReadCombination(in);
-    if (size == 0) {
-        if (how == Combination::Copy) emf.painter.ClearClip();
-        return;
-    }
-    emf.painter.ClipToDevice(ReadRegion(in), how);
-}
-
-void PaintRegion(Emf& emf, ByteReader& in, Rop rop) {
-    in.Skip(16 + 4);
-    emf.painter.FillRegion({ReadRegion(in)}, emf.Now().brush, rop);
-}
-
-void FillRegion(Emf& emf, ByteReader& in) {
-    in.Skip(16 + 4);
-    const auto* brush = emf.painter.Brush(in.U32LE());
-    if (brush) emf.painter.FillRegion({ReadRegion(in)}, *brush, emf.Now().rop);
 }
 
 // ---- figures ----
@@ -143,11 +106,6 @@ void AngleArc(Emf& emf, ByteReader& in) {
     if (in.Ok()) emf.painter.AngleArc(center, radius, start, sweep);
 }
 
-struct Row {
-    std::uint32_t type;
-    void (*play)(Emf& emf, ByteReader& in);
-};
-
 constexpr Row kRows[] = {
     {2, [](Emf& e, ByteReader& in) { e.painter.PolyBezier(ReadPoly<Read32, 8>(in), false); }},
     {3, [](Emf& e, ByteReader& in) { e.painter.Polygons({ReadPoly<Read32, 8>(in)}); }},
@@ -156,42 +114,32 @@ constexpr Row kRows[] = {
     {6, [](Emf& e, ByteReader& in) { e.painter.PolyLineTo(ReadPoly<Read32, 8>(in)); }},
     {7, [](Emf& e, ByteReader& in) { e.painter.PolyLines(ReadPolyPoly<Read32, 8>(in)); }},
     {8, [](Emf& e, ByteReader& in) { e.painter.Polygons(ReadPolyPoly<Read32, 8>(in)); }},
-    {9, [](Emf& e, ByteReader& in) { e.Now().windowExtent = Read32(in); }},
+    {9, [](Emf& e, ByteReader& in) { e.painter.SetWindowExtent(Read32(in)); }},
     {10, [](Emf& e, ByteReader& in) { e.Now().windowOrigin = Read32(in); }},
-    {11, [](Emf& e, ByteReader& in) { e.Now().viewportExtent = Read32(in); }},
+    {11, [](Emf& e, ByteReader& in) { e.painter.SetViewportExtent(Read32(in)); }},
     {12, [](Emf& e, ByteReader& in) { e.Now().viewportOrigin = Read32(in); }},
     {13,
      [](Emf& e, ByteReader& in) { e.Now().brushOrigin = ToPixel(e.painter.Reference().toCanvas.Apply(Read32(in))); }},
     {15,
      [](Emf& e, ByteReader& in) {
          const auto at = Read32(in);
-         e.painter.SetPixel(at, ReadColor(in));
+         e.painter.SetPixel(at, e.Color(in));
      }},
-    {17,
-     [](Emf& e, ByteReader& in) {
-         const auto mode = in.U32LE();
-         if (mode >= 1 && mode <= 8) e.Now().mapMode = static_cast<MapMode>(mode);
-     }},
+    {17, [](Emf& e, ByteReader& in) { e.painter.SetMapMode(in.U32LE()); }},
     {18, [](Emf& e, ByteReader& in) { e.Now().opaque = in.U32LE() != 1; }},
     {19, [](Emf& e, ByteReader& in) { e.Now().winding = in.U32LE() == 2; }},
     {20, [](Emf& e, ByteReader& in) { e.Now().rop = RopOfPen(in.U32LE()); }},
+    {21, [](Emf& e, ByteReader& in) { e.Now().smoothShrink = in.U32LE() == 4; }},
     {22, [](Emf& e, ByteReader& in) { e.Now().textAlign = in.U32LE(); }},
-    {24, [](Emf& e, ByteReader& in) { e.Now().textColor = ReadColor(in); }},
-    {25, [](Emf& e, ByteReader& in) { e.Now().ground = ReadColor(in); }},
-    {26, [](Emf& e, ByteReader& in) { e.painter.OffsetClip(Read32(in)); }},
+    {24, [](Emf& e, ByteReader& in) { e.Now().textColor = e.Color(in); }},
+    {25, [](Emf& e, ByteReader& in) { e.Now().ground = e.Color(in); }},
     {27, [](Emf& e, ByteReader& in) { e.painter.MoveTo(Read32(in)); }},
-    {29, TwoCorners<&Painter::ExcludeClip>},
-    {30, TwoCorners<&Painter::IntersectClip>},
-    {31, [](Emf& e, ByteReader& in) { ScaleExtent(in, e.Now().viewportExtent); }},
-    {32, [](Emf& e, ByteReader& in) { ScaleExtent(in, e.Now().windowExtent); }},
+    {31, [](Emf& e, ByteReader& in) { e.painter.SetViewportExtent(Scaled(in, e.Now().viewportExtent)); }},
+    {32, [](Emf& e, ByteReader& in) { e.painter.SetWindowExtent(Scaled(in, e.Now().windowExtent)); }},
     {33, [](Emf& e, ByteReader&) { e.painter.Save(); }},
     {34, [](Emf& e, ByteReader& in) { e.painter.Restore(in.I32LE()); }},
     {35, [](Emf& e, ByteReader& in) { e.Now().world = ReadTransform(in); }},
     {36, ModifyTransform},
-    {37, SelectObject},
-    {38, CreatePen},
-    {39, CreateBrush},
-    {40, [](Emf& e, ByteReader& in) { e.painter.DeleteObject(in.U32LE()); }},
     {41, AngleArc},
     {42, TwoCorners<&Painter::Ellipse>},
     {43, TwoCorners<&Painter::Rectangle>},
@@ -210,19 +158,8 @@ constexpr Row kRows[] = {
     {62, [](Emf& e, ByteReader&) { e.painter.PaintPath(true, false); }},
     {63, [](Emf& e, ByteReader&) { e.painter.PaintPath(true, true); }},
     {64, [](Emf& e, ByteReader&) { e.painter.PaintPath(false, true); }},
-    {67, [](Emf& e, ByteReader& in) { e.painter.ClipToPath(ReadCombination(in)); }},
+    {66, [](Emf& e, ByteReader&) { e.painter.WidenPath(); }},
     {68, [](Emf& e, ByteReader&) { e.painter.AbortPath(); }},
-    {71, FillRegion},
-    {73, [](Emf& e, ByteReader& in) { PaintRegion(e, in, 0x55); }},
-    {74, [](Emf& e, ByteReader& in) { PaintRegion(e, in, e.Now().rop); }},
-    {75, SelectClipRegion},
-    {76, [](Emf& e, ByteReader& in) { BlitRecord(e, in, false); }},
-    {77, [](Emf& e, ByteReader& in) { BlitRecord(e, in, true); }},
-    {80, [](Emf& e, ByteReader& in) { DibRecord(e, in, false); }},
-    {81, [](Emf& e, ByteReader& in) { DibRecord(e, in, true); }},
-    {82, CreateFont},
-    {83, [](Emf& e, ByteReader& in) { TextRecord(e, in, false); }},
-    {84, [](Emf& e, ByteReader& in) { TextRecord(e, in, true); }},
     {85, [](Emf& e, ByteReader& in) { e.painter.PolyBezier(ReadPoly<Read16, 4>(in), false); }},
     {86, [](Emf& e, ByteReader& in) { e.painter.Polygons({ReadPoly<Read16, 4>(in)}); }},
     {87, [](Emf& e, ByteReader& in) { e.painter.PolyLine(ReadPoly<Read16, 4>(in)); }},
@@ -231,15 +168,17 @@ constexpr Row kRows[] = {
     {90, [](Emf& e, ByteReader& in) { e.painter.PolyLines(ReadPolyPoly<Read16, 4>(in)); }},
     {91, [](Emf& e, ByteReader& in) { e.painter.Polygons(ReadPolyPoly<Read16, 4>(in)); }},
     {92, PolyDraw<Read16, 4>},
-    {93, CreatePattern},
-    {94, CreatePattern},
-    {95, ExtCreatePen},
-    {114, AlphaBlend},
-    {116, TransparentBlt},
-    {118, GradientFill},
 };
 
-constexpr std::uint32_t kEndOfFile = 14;
+constexpr std::uint32_t kEndOfFile = 14, kLastType = 122;
+
+std::array<Play, kLastType + 1> RecordTable() {
+    std::array<Play, kLastType + 1> table{};
+    for (const auto rows : {std::span<const Row>(kRows), ObjectRows(), RegionRows(), AreaRows(), TextRows()}) {
+        for (const auto& row : rows) table[row.type] = row.play;
+    }
+    return table;
+}
 
 } // namespace
 
@@ -251,6 +190,7 @@ bool ReadEmfFacts(ByteSpan file, FileFacts& facts) {
     in.Seek(72);
     const double deviceX = in.I32LE(), deviceY = in.I32LE(), mmX = in.I32LE(), mmY = in.I32LE();
     if (!in.Ok() || type != 1 || size < 88 || deviceX <= 0 || deviceY <= 0 || mmX <= 0 || mmY <= 0) return false;
+    facts.device.size = {deviceX, deviceY};
     facts.device.pixelsPerMmX = deviceX / mmX;
     facts.device.pixelsPerMmY = deviceY / mmY;
     // The frame is in hundredths of millimetres.
@@ -262,6 +202,7 @@ bool ReadEmfFacts(ByteSpan file, FileFacts& facts) {
 }
 
 void PlayEmf(ByteSpan file, const FileFacts& facts, Painter& painter) {
+    static const auto table = RecordTable();
     ByteReader in(file);
     in.Seek(facts.firstRecord);
     while (!painter.Target().Exhausted()) {
@@ -272,9 +213,7 @@ void PlayEmf(ByteSpan file, const FileFacts& facts, Painter& painter) {
         Emf emf{painter, in.TakeUpTo(size)};
         ByteReader parameters(emf.whole);
         parameters.Skip(8);
-        for (const auto& row : kRows) {
-            if (row.type == type) row.play(emf, parameters);
-        }
+        if (type < std::size(table) && table[type]) table[type](emf, parameters);
     }
 }
 

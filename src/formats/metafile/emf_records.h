@@ -4,6 +4,8 @@
 
 #include "formats/metafile/player.h"
 
+#include <span>
+
 namespace pelorin::metafile::emf {
 
 // One record is played; `whole` is the record with its head, to which offsets are counted.
@@ -15,6 +17,7 @@ struct Emf {
     [[nodiscard]] ByteSpan Part(std::uint32_t offset, std::uint64_t length) const {
         return ByteReader(whole).Sub(offset, length).All();
     }
+    [[nodiscard]] Rgb Color(ByteReader& in) { return ReadColor(in, Now().palette); }
 };
 
 [[nodiscard]] inline PointF Read32(ByteReader& in) {
@@ -45,23 +48,28 @@ struct Emf {
     return t;
 }
 
-// ---- objects ----
-void CreatePen(Emf& emf, ByteReader& in);
-void ExtCreatePen(Emf& emf, ByteReader& in);
-void CreateBrush(Emf& emf, ByteReader& in);
-void CreatePattern(Emf& emf, ByteReader& in);
-void CreateFont(Emf& emf, ByteReader& in);
-void SelectObject(Emf& emf, ByteReader& in);
+/// Where a bitmap lies in the record: its header and its rows.
+struct DibPlaces {
+    std::uint32_t header = 0, headerSize = 0, rows = 0, rowsSize = 0;
 
-// ---- areas and text ----
-void GradientFill(Emf& emf, ByteReader& in);
-/// With a source context; `stretched` where the source has a size of its own.
-void BlitRecord(Emf& emf, ByteReader& in, bool stretched);
-void AlphaBlend(Emf& emf, ByteReader& in);
-void TransparentBlt(Emf& emf, ByteReader& in);
-/// With the bitmap alone.
-void DibRecord(Emf& emf, ByteReader& in, bool stretched);
-/// Letters of 16 or 8 bits.
-void TextRecord(Emf& emf, ByteReader& in, bool wide);
+    static DibPlaces Read(ByteReader& in) {
+        const auto header = in.U32LE(), headerSize = in.U32LE(), rows = in.U32LE(), rowsSize = in.U32LE();
+        return {header, headerSize, rows, rowsSize};
+    }
+    /// `usage` says what its colour table is. Empty where there is none.
+    [[nodiscard]] Surface Decode(Emf& emf, std::uint32_t usage) const;
+};
+
+using Play = void (*)(Emf& emf, ByteReader& in);
+struct Row {
+    std::uint32_t type;
+    Play play;
+};
+
+// The records of each room.
+[[nodiscard]] std::span<const Row> ObjectRows();
+[[nodiscard]] std::span<const Row> RegionRows();
+[[nodiscard]] std::span<const Row> AreaRows();
+[[nodiscard]] std::span<const Row> TextRows();
 
 } // namespace pelorin::metafile::emf

@@ -1,8 +1,8 @@
 // The letters that metafiles are written with: a plain face of our own, drawn with a pen.
 //
 // Units: 14 are the size of the font; 10 is the height of capitals, 7 that of small letters, -3 the depth of tails. The
-// base line is 0 and heights grow upwards. Letters with accents of Western Europe are put together; what the face does
-// not have is a box.
+// base line is 0 and heights grow upwards. Latin letters with their marks, Greek, Cyrillic and common signs; what
+// the face does not have is a box.
 #pragma once
 
 #include "formats/metafile/geometry.h"

@@ -39,7 +39,7 @@ struct Transform {
 
 /// The nearest whole number in a range that sums and products of the rasteriser stay exact in; what is no number is 0.
 [[nodiscard]] inline int ToPixel(double v) {
-    constexpr double kFar = 1 << 22;
+    constexpr double kFar = 1 << 27;
     if (!(v == v)) return 0;
     return static_cast<int>(std::floor(std::clamp(v, -kFar, kFar) + 0.5));
 }

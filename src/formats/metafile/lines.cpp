@@ -143,6 +143,9 @@ std::vector<Line> CutDashes(Line line, bool closed, const std::vector<double>& d
 } // namespace
 
 void DrawThinLine(Canvas& canvas, Point from, Point to, const Ink& ink, Rop rop, const ThinStyle& style, int& phase) {
+    canvas.Reach(from);
+    canvas.Reach({from.x + 1, from.y + 1});
+    canvas.Reach(to);
     const int dx = to.x - from.x, dy = to.y - from.y;
     const bool steep = std::abs(dy) > std::abs(dx);
     const int steps = steep ? std::abs(dy) : std::abs(dx);

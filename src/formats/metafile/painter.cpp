@@ -4,7 +4,7 @@ namespace pelorin::metafile {
 
 namespace {
 
-constexpr std::size_t kMaxSaved = 1000, kMaxObjects = 1 << 16;
+constexpr std::size_t kMaxSaved = 1000, kMaxObjects = 1 << 16, kMaxGrownPalette = 256;
 
 double SafeQuotient(double a, double b) {
     return b == 0 ? a : a / b;
@@ -22,9 +22,13 @@ double UnitInMm(MapMode mode) {
     }
 }
 
+bool IsFree(MapMode mode) {
+    return mode == MapMode::Isotropic || mode == MapMode::Anisotropic;
+}
+
 PointF MappingScale(const State& state, const Device& device) {
     if (const double mm = UnitInMm(state.mapMode); mm > 0) return {mm * device.pixelsPerMmX, -mm * device.pixelsPerMmY};
-    if (state.mapMode != MapMode::Isotropic && state.mapMode != MapMode::Anisotropic) return {1, 1};
+    if (!IsFree(state.mapMode)) return {1, 1};
     PointF scale{SafeQuotient(state.viewportExtent.x, state.windowExtent.x),
                  SafeQuotient(state.viewportExtent.y, state.windowExtent.y)};
     if (state.mapMode == MapMode::Isotropic) {
@@ -85,6 +89,68 @@ const Ink* Painter::Brush(std::size_t index) const {
     return index < m_objects.size() ? std::get_if<Ink>(&m_objects[index]) : nullptr;
 }
 
+void Painter::SelectPalette(std::size_t index) {
+    if (const auto* palette = PaletteAt(index)) m_now.palette = *palette;
+}
+
+Palette* Painter::PaletteAt(std::size_t index) {
+    return index < m_objects.size() ? std::get_if<Palette>(&m_objects[index]) : nullptr;
+}
+
+// What is selected changes along with the object.
+void Painter::ReplacePalette(Palette& place, std::vector<Rgb> colors) {
+    if (!m_canvas.Spend(colors.size())) return;
+    const bool selected = m_now.palette == place;
+    place = std::make_shared<const std::vector<Rgb>>(std::move(colors));
+    if (selected) m_now.palette = place;
+}
+
+void Painter::ResizePalette(std::size_t index, std::size_t count) {
+    auto* palette = PaletteAt(index);
+    if (!palette || !*palette) return;
+    auto colors = **palette;
+    colors.resize(std::min(count, std::max(colors.size(), kMaxGrownPalette)));
+    ReplacePalette(*palette, std::move(colors));
+}
+
+void Painter::ChangePalette(std::size_t index, std::size_t first, const std::vector<Rgb>& entries) {
+    auto* palette = PaletteAt(index);
+    if (!palette || !*palette) return;
+    auto colors = **palette;
+    for (std::size_t i = 0; i < entries.size() && first + i < colors.size(); ++i) colors[first + i] = entries[i];
+    ReplacePalette(*palette, std::move(colors));
+}
+
+void Painter::ChangePalette(std::size_t first, const std::vector<Rgb>& entries) {
+    for (std::size_t i = 0; m_now.palette && i < m_objects.size(); ++i) {
+        const auto* palette = PaletteAt(i);
+        if (palette && *palette == m_now.palette) return ChangePalette(i, first, entries);
+    }
+}
+
+void Painter::SetMapMode(unsigned mode) {
+    if (mode < 1 || mode > 8) return;
+    m_now.mapMode = static_cast<MapMode>(mode);
+    if (m_now.mapMode == MapMode::Anisotropic) return;
+    if (m_now.mapMode == MapMode::Text) {
+        m_now.windowExtent = m_now.viewportExtent = {1, 1};
+        return;
+    }
+    // The others begin with the extents of the whole device, upwards; a free mode goes on with them.
+    const double unit = m_now.mapMode == MapMode::Isotropic ? UnitInMm(MapMode::LowMetric) : UnitInMm(m_now.mapMode);
+    m_now.viewportExtent = {m_device.size.x, -m_device.size.y};
+    m_now.windowExtent = {m_device.size.x / m_device.pixelsPerMmX / unit,
+                          m_device.size.y / m_device.pixelsPerMmY / unit};
+}
+
+void Painter::SetWindowExtent(PointF extent) {
+    if (IsFree(m_now.mapMode)) m_now.windowExtent = extent;
+}
+
+void Painter::SetViewportExtent(PointF extent) {
+    if (IsFree(m_now.mapMode)) m_now.viewportExtent = extent;
+}
+
 Transform Painter::ToCanvas() const {
     const auto scale = MappingScale(m_now, m_device);
     const Transform mapping{scale.x,
@@ -104,94 +170,11 @@ std::vector<PointF> Painter::Mapped(const std::vector<PointF>& points) const {
     return mapped;
 }
 
-Ink Painter::CurrentBrush() const {
-    auto ink = m_now.brush;
+Ink Painter::Dressed(Ink ink) const {
     ink.opaque = m_now.opaque;
     ink.ground = m_now.ground;
     ink.origin = m_now.brushOrigin;
     return ink;
-}
-
-void Painter::SetClip(Clip clip) {
-    m_now.clip = std::move(clip);
-    m_canvas.SetClip(m_now.clip);
-}
-
-void Painter::ClearClip() {
-    SetClip(nullptr);
-}
-
-void Painter::ChangeClip(const Figures& figures, Combination how, bool winding) {
-    auto inside = m_canvas.NewMask(nullptr);
-    auto result = m_canvas.NewMask(m_now.clip);
-    if (!inside || !result) return;
-    std::fill(inside->inside.begin(), inside->inside.end(), std::uint8_t{0});
-    const auto width = static_cast<std::size_t>(m_canvas.Width());
-    ScanFigures(m_canvas, figures, winding, [&](int y, int left, int right) {
-        const auto row = inside->inside.begin() + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(y) * width);
-        std::fill(row + left, row + right, std::uint8_t{1});
-    });
-    for (std::size_t i = 0; i < result->inside.size(); ++i) {
-        auto& old = result->inside[i];
-        const auto add = inside->inside[i];
-        switch (how) {
-        case Combination::And: old &= add; break;
-        case Combination::Or: old |= add; break;
-        case Combination::Xor: old ^= add; break;
-        case Combination::Diff: old = old && !add; break;
-        case Combination::Copy: old = add; break;
-        }
-    }
-    SetClip(std::move(result));
-}
-
-void Painter::OffsetClip(PointF by) {
-    if (!m_now.clip) return;
-    const auto shift = ToPixel(ToCanvas().ApplyVector(by));
-    auto moved = m_canvas.NewMask(m_now.clip);
-    if (!moved) return;
-    const int width = m_canvas.Width(), height = m_canvas.Height();
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            const int fromX = x - shift.x, fromY = y - shift.y;
-            const bool there = fromX >= 0 && fromY >= 0 && fromX < width && fromY < height;
-            moved->inside[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)] =
-                there ? m_now.clip->inside[static_cast<std::size_t>(fromY) * static_cast<std::size_t>(width) +
-                                           static_cast<std::size_t>(fromX)]
-                      : std::uint8_t{0};
-        }
-    }
-    SetClip(std::move(moved));
-}
-
-void Painter::ClipToDevice(const std::vector<Rect>& parts, Combination how) {
-    Figures figures;
-    for (const auto& part : parts) {
-        Figure box;
-        for (const auto& corner :
-             {PointF{double(part.left), double(part.top)}, PointF{double(part.right), double(part.top)},
-              PointF{double(part.right), double(part.bottom)}, PointF{double(part.left), double(part.bottom)}}) {
-            box.points.push_back(ToPixel(m_device.toCanvas.Apply(corner)));
-        }
-        figures.push_back(std::move(box));
-    }
-    ChangeClip(figures, how, true);
-}
-
-void Painter::ClipToRegion(const RegionObject& region) {
-    Figures figures;
-    for (const auto& part : region.parts) {
-        const auto box = BoxFigure({double(part.left), double(part.top)}, {double(part.right), double(part.bottom)});
-        figures.insert(figures.end(), box.begin(), box.end());
-    }
-    ChangeClip(figures, Combination::Copy, true);
-}
-
-void Painter::FillRegion(const RegionObject& region, const Ink& ink, Rop rop) {
-    for (const auto& part : region.parts) {
-        Fill(BoxFigure({double(part.left), double(part.top)}, {double(part.right), double(part.bottom)}), ink, rop,
-             true);
-    }
 }
 
 } // namespace pelorin::metafile

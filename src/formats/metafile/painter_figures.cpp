@@ -179,12 +179,15 @@ void Painter::AngleArc(PointF center, double radius, double startDegrees, double
 
 void Painter::SetPixel(PointF at, Rgb color) {
     const auto pixel = ToPixel(ToCanvas().Apply(at));
+    m_canvas.Reach(pixel);
+    m_canvas.Reach({pixel.x + 1, pixel.y + 1});
     if (m_canvas.Spend(1)) m_canvas.Put(pixel.x, pixel.y, kCopyPattern, color);
 }
 
 void Painter::BeginPath() {
     m_path.clear();
     m_pathOpen = true;
+    m_pathWide = false;
 }
 
 void Painter::CloseFigure() {
@@ -203,12 +206,31 @@ void Painter::PaintPath(bool fill, bool stroke) {
     if (fill && stroke) {
         for (auto& figure : path) figure.closed = true;
     }
+    const bool winding = m_now.winding;
+    m_now.winding = winding || m_pathWide;
     Paint(std::move(path), fill, stroke);
+    m_now.winding = winding;
+}
+
+void Painter::WidenPath() {
+    const auto style = WideStyleOf(m_now.pen);
+    Figures wide;
+    for (const auto& figure : m_path) {
+        for (const auto& part : Pieces(figure, style.dashes.empty())) {
+            auto outline = WidenFigure(part, style);
+            for (auto& piece : outline) {
+                if (!m_canvas.Spend(kWorkOfPart + piece.points.size() * kWorkOfPoint)) return;
+                wide.push_back(std::move(piece));
+            }
+        }
+    }
+    m_path = std::move(wide);
+    m_pathWide = true;
 }
 
 void Painter::ClipToPath(Combination how) {
     m_pathOpen = false;
-    ChangeClip(m_path, how, m_now.winding);
+    ChangeClip(m_path, how, m_now.winding || m_pathWide);
     m_path.clear();
 }
 
@@ -220,7 +242,7 @@ void Painter::Paint(Figures figures, bool fill, bool stroke) {
         for (auto& figure : figures) m_path.push_back(std::move(figure));
         return;
     }
-    if (fill) Fill(figures, CurrentBrush(), m_now.rop, m_now.winding);
+    if (fill) Fill(figures, Dressed(m_now.brush), m_now.rop, m_now.winding);
     if (stroke) Stroke(figures);
 }
 
@@ -230,16 +252,21 @@ void Painter::Fill(const Figures& figures, const Ink& ink, Rop rop, bool winding
                 [&](int y, int left, int right) { m_canvas.Span(y, left, right, ink, rop); });
 }
 
+WideStyle Painter::WideStyleOf(const Pen& pen) const {
+    const double scale = ToCanvas().Scale();
+    WideStyle style{std::max(1.0, pen.cosmetic ? 1 : pen.width * scale), pen.cap, pen.join, m_now.miterLimit, {}};
+    if (pen.dash >= 1 && pen.dash <= kStockDashes) {
+        for (const double part : kWideDashes[pen.dash]) style.dashes.push_back(part * style.width);
+    }
+    for (const double part : pen.lengths) style.dashes.push_back(part * scale);
+    return style;
+}
+
 void Painter::Stroke(const Figures& figures) {
     const auto& pen = m_now.pen;
     if (pen.none) return;
-    const double width = pen.cosmetic ? 1 : pen.width * ToCanvas().Scale();
-    if (width < kThinnestWide) return StrokeThin(figures);
-    WideStyle style{width, pen.cap, pen.join, m_now.miterLimit, {}};
-    if (pen.dash >= 1 && pen.dash <= kStockDashes) {
-        for (const double part : kWideDashes[pen.dash]) style.dashes.push_back(part * width);
-    }
-    for (const double part : pen.lengths) style.dashes.push_back(part * ToCanvas().Scale());
+    const auto style = WideStyleOf(pen);
+    if (style.width < kThinnestWide) return StrokeThin(figures);
     const Ink ink{Ink::Kind::Solid, pen.color};
     for (const auto& figure : figures) {
         for (const auto& part : Pieces(figure, style.dashes.empty())) {

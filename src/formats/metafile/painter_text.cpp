@@ -7,24 +7,28 @@ namespace {
 
 constexpr double kDefaultHeight = 16, kPlainPen = 1.0, kBoldPen = 2.0, kSlant = 0.2;
 constexpr double kThinnestWide = 1.5;
+constexpr double kUnderlineAt = -1.6, kStrikeOutAt = 3.5;
 // Letters are drawn closer than this share of their own width by no font.
 constexpr double kNarrowest = 0.4;
 constexpr std::size_t kMaxLetters = 4096, kWorkOfPart = 64;
 
 // The canvas directions and sizes of a line of text.
 struct Setting {
-    PointF along, down;          // of length 1
-    double unitX = 0, unitY = 0; // a unit of the face, in pixels
-    double logicalX = 0;         // a logical unit along the line, in pixels
+    PointF along, down;                // of length 1
+    double unitX = 0, unitY = 0;       // a unit of the face, in pixels
+    double logicalX = 0, logicalY = 0; // a logical unit along the line and across it, in pixels
+    PointF start;                      // where the line begins on its base line
+    double total = 0;                  // length
+    std::vector<PointF> places{};      // of each letter from the start, along and down, and of the end
 };
 
-Setting Arrange(const State& state, const Transform& map) {
-    Setting s;
+void Arrange(Setting& s, const State& state, const Transform& map) {
     const auto u = map.ApplyVector({1, 0}), v = map.ApplyVector({0, 1});
-    const double lengthX = std::hypot(u.x, u.y), lengthY = std::hypot(v.x, v.y);
+    s.logicalX = std::hypot(u.x, u.y);
+    s.logicalY = std::hypot(v.x, v.y);
     // Mirrored mappings do not mirror letters; turned ones turn them.
     PointF along{1, 0};
-    if (map.b != 0 && lengthX > 0) along = {u.x / lengthX, u.y / lengthX};
+    if (map.b != 0 && s.logicalX > 0) along = {u.x / s.logicalX, u.y / s.logicalX};
     const PointF down{-along.y, along.x};
     const double cosine = std::cos(state.font.angle), sine = std::sin(state.font.angle);
     s.along = {along.x * cosine - down.x * sine, along.y * cosine - down.y * sine};
@@ -33,95 +37,92 @@ Setting Arrange(const State& state, const Transform& map) {
     const double em = height < 0   ? -height
                       : height > 0 ? height * kFaceSize / (kFaceAscent + kFaceDescent)
                                    : kDefaultHeight;
-    s.unitY = em * lengthY / kFaceSize;
-    s.unitX =
-        state.font.width != 0 ? std::abs(state.font.width) * lengthX / kFaceMeanAdvance : em * lengthX / kFaceSize;
-    s.logicalX = lengthX;
-    return s;
+    s.unitY = em * s.logicalY / kFaceSize;
+    s.unitX = state.font.width != 0 ? std::abs(state.font.width) * s.logicalX / kFaceMeanAdvance
+                                    : em * s.logicalX / kFaceSize;
 }
 
-// Where each letter begins along the line, in pixels, and where the line ends.
-std::vector<double> Places(const TextLine& line, const State& state, const Setting& s) {
-    std::vector<double> places{0};
+void Place(Setting& s, const TextLine& line, const State& state) {
+    PointF at;
+    s.places.push_back(at);
     for (std::size_t i = 0; i < line.letters.size() && i < kMaxLetters; ++i) {
-        const double advance = i < line.advances.size()
-                                   ? line.advances[i] * s.logicalX
-                                   : FaceAdvance(line.letters[i]) * s.unitX + state.letterSpace * s.logicalX;
-        places.push_back(places.back() + advance);
+        const auto letter = line.letters[i];
+        at.x += i < line.advances.size()
+                    ? line.advances[i] * s.logicalX
+                    : FaceAdvance(letter) * s.unitX +
+                          (state.letterSpace + (letter == U' ' ? state.blankSpace : 0)) * s.logicalX;
+        if (i < line.rises.size()) at.y -= line.rises[i] * s.logicalY;
+        s.places.push_back(at);
     }
-    return places;
+    s.total = at.x;
 }
 
-// Letters shrink where the file gives them less room than the face takes.
-double Narrowing(const TextLine& line, const std::vector<double>& places, const Setting& s) {
-    double own = 0;
-    for (std::size_t i = 0; i + 1 < places.size(); ++i) own += FaceAdvance(line.letters[i]) * s.unitX;
-    if (own <= 0 || places.back() <= 0) return 1;
-    return std::clamp(places.back() / own, kNarrowest, 1.0);
-}
-
-} // namespace
-
-void Painter::Text(const TextLine& line) {
-    const auto map = ToCanvas();
-    const auto s = Arrange(m_now, map);
-    if (line.hasBox && line.fillBox)
-        Fill(BoxFigure(line.boxFrom, line.boxTo), {Ink::Kind::Solid, m_now.ground}, kCopyPattern, false);
-    const bool follow = (m_now.textAlign & kUpdatePosition) != 0;
-    const auto start = map.Apply(follow ? m_now.position : line.at);
-    const auto places = Places(line, m_now, s);
-    const double total = places.back();
-    const auto across = m_now.textAlign & kCenter;
-    const double shift = across == kCenter ? -total / 2 : across == kRight ? -total : 0;
-    const auto vertical = m_now.textAlign & kBaseline;
+// Moves the start from the given point to the left end of the base line.
+void Align(Setting& s, unsigned textAlign) {
+    const auto across = textAlign & kCenter, vertical = textAlign & kBaseline;
+    const double shift = across == kCenter ? -s.total / 2 : across == kRight ? -s.total : 0;
     const double drop = vertical == kBaseline ? 0
                         : vertical == kBottom ? -kFaceDescent * s.unitY
                                               : kFaceAscent * s.unitY;
-    // A point from its distance along the line and its height over the base line.
-    const auto point = [&](double x, double up) {
-        return PointF{start.x + s.along.x * (shift + x) + s.down.x * (drop - up),
-                      start.y + s.along.y * (shift + x) + s.down.y * (drop - up)};
-    };
-    const auto saved = m_now.clip;
-    if (line.hasBox && line.clipToBox) ChangeClip(BoxFigure(line.boxFrom, line.boxTo), Combination::And);
-    if (m_now.opaque && total > 0 && !m_pathOpen) {
-        const double top = kFaceAscent * s.unitY, bottom = -kFaceDescent * s.unitY;
-        Figure box{{ToPixel(point(0, top)), ToPixel(point(total, top)), ToPixel(point(total, bottom)),
-                    ToPixel(point(0, bottom))},
-                   true};
-        Fill({box}, {Ink::Kind::Solid, m_now.ground}, kCopyPattern, false);
-    }
+    s.start.x += s.along.x * shift + s.down.x * drop;
+    s.start.y += s.along.y * shift + s.down.y * drop;
+}
 
+// A point from its distance along the line and its height over the base line.
+Point PointAt(const Setting& s, double x, double up) {
+    return ToPixel(PointF{s.start.x + s.along.x * x - s.down.x * up, s.start.y + s.along.y * x - s.down.y * up});
+}
+
+// Letters shrink where the file gives them less room than the face takes.
+double Narrowing(const TextLine& line, const Setting& s) {
+    double own = 0;
+    for (std::size_t i = 0; i + 1 < s.places.size(); ++i) own += FaceAdvance(line.letters[i]) * s.unitX;
+    if (own <= 0 || s.total <= 0) return 1;
+    return std::clamp(s.total / own, kNarrowest, 1.0);
+}
+
+Figures StrokesOf(const TextLine& line, const Setting& s, const Font& font) {
     Figures strokes;
-    const double narrow = Narrowing(line, places, s);
-    const auto add = [&](std::initializer_list<PointF> points) {
-        Figure figure;
-        for (const auto& p : points) figure.points.push_back(ToPixel(p));
-        strokes.push_back(std::move(figure));
-    };
-    for (std::size_t i = 0; i + 1 < places.size(); ++i) {
+    const double narrow = Narrowing(line, s), slant = font.italic ? kSlant * s.unitY : 0;
+    for (std::size_t i = 0; i + 1 < s.places.size(); ++i) {
         for (const auto& stroke : FaceStrokes(line.letters[i])) {
             Figure figure;
             for (const auto& p : stroke) {
-                const double slant = m_now.font.italic ? p.y * kSlant * s.unitY : 0;
-                figure.points.push_back(ToPixel(point(places[i] + p.x * s.unitX * narrow + slant, p.y * s.unitY)));
+                figure.points.push_back(
+                    PointAt(s, s.places[i].x + p.x * s.unitX * narrow + p.y * slant, p.y * s.unitY - s.places[i].y));
             }
             strokes.push_back(std::move(figure));
         }
     }
-    if (m_now.font.underline) add({point(0, -1.6 * s.unitY), point(total, -1.6 * s.unitY)});
-    if (m_now.font.strikeOut) add({point(0, 3.5 * s.unitY), point(total, 3.5 * s.unitY)});
+    const auto bar = [&](double up) {
+        strokes.push_back({{PointAt(s, 0, up * s.unitY), PointAt(s, s.total, up * s.unitY)}, false});
+    };
+    if (font.underline) bar(kUnderlineAt);
+    if (font.strikeOut) bar(kStrikeOutAt);
+    return strokes;
+}
 
-    auto state = m_now;
+// The position goes to the end of the text; centred text leaves it where it was.
+PointF PositionBehind(const Setting& s, const State& state) {
+    const auto across = state.textAlign & kCenter;
+    if (across == kCenter || s.logicalX <= 0 || s.logicalY <= 0) return state.position;
+    const double sign = across == kRight ? -1 : 1;
+    return {state.position.x + sign * s.along.x * s.total / s.logicalX,
+            state.position.y + s.places.back().y / s.logicalY};
+}
+
+} // namespace
+
+void Painter::DrawLetters(Figures strokes, double pen) {
+    const auto state = m_now;
     m_now.pen = Pen{false, 0, 1, true, m_now.textColor};
     m_now.rop = kCopyPattern;
-    const double pen = (m_now.font.bold ? kBoldPen : kPlainPen) * std::min(s.unitX, s.unitY);
     if (pen < kThinnestWide || m_pathOpen) {
         // A line leaves its last pixel out, which a letter needs.
         for (auto& figure : strokes) {
             if (!figure.points.empty()) figure.points.push_back({figure.points.back().x + 1, figure.points.back().y});
         }
-        Paint(strokes, false, true);
+        Paint(std::move(strokes), false, true);
     } else {
         const Ink ink{Ink::Kind::Solid, m_now.textColor};
         for (const auto& figure : strokes) {
@@ -130,11 +131,29 @@ void Painter::Text(const TextLine& line) {
             Fill(outline, ink, kCopyPattern, true);
         }
     }
-    m_now = std::move(state);
-    if (line.clipToBox) SetClip(saved);
-    if (follow && s.logicalX > 0) {
-        m_now.position.x += s.along.x * total / s.logicalX * (across == kRight ? -1 : 1);
+    m_now = state;
+}
+
+void Painter::Text(const TextLine& line) {
+    const auto map = ToCanvas();
+    const bool follow = (m_now.textAlign & kUpdatePosition) != 0;
+    Setting s;
+    Arrange(s, m_now, map);
+    s.start = map.Apply(follow ? m_now.position : line.at);
+    Place(s, line, m_now);
+    Align(s, m_now.textAlign);
+    if (line.fillBox) Fill(BoxFigure(line.boxFrom, line.boxTo), {Ink::Kind::Solid, m_now.ground}, kCopyPattern, false);
+    const auto saved = m_now.clip;
+    if (line.clipToBox) ChangeClip(BoxFigure(line.boxFrom, line.boxTo), Combination::And);
+    if (m_now.opaque && s.total > 0 && !m_pathOpen) {
+        const double top = kFaceAscent * s.unitY, bottom = -kFaceDescent * s.unitY;
+        Fill({{{PointAt(s, 0, top), PointAt(s, s.total, top), PointAt(s, s.total, bottom), PointAt(s, 0, bottom)},
+               true}},
+             {Ink::Kind::Solid, m_now.ground}, kCopyPattern, false);
     }
+    DrawLetters(StrokesOf(line, s, m_now.font), (m_now.font.bold ? kBoldPen : kPlainPen) * std::min(s.unitX, s.unitY));
+    if (line.clipToBox) SetClip(saved);
+    if (follow) m_now.position = PositionBehind(s, m_now);
 }
 
 } // namespace pelorin::metafile

@@ -1,5 +1,7 @@
 #include "formats/metafile/player.h"
 
+#include "base/text.h"
+
 #include <numbers>
 
 namespace pelorin::metafile {
@@ -39,8 +41,29 @@ Ink MakePatternBrush(Surface picture) {
     return ink;
 }
 
-Font MakeFont(double height, double width, int tenths, int weight, bool italic, bool underline, bool strikeOut) {
-    return {height, width, tenths * std::numbers::pi / 1800, weight >= kBoldWeight, italic, underline, strikeOut};
+Font ReadFont(ByteReader& in, double height, double width, std::size_t wordSize, std::size_t letterSize) {
+    const auto word = [&] { return wordSize == 2 ? int{in.I16LE()} : in.I32LE(); };
+    Font font;
+    font.height = height;
+    font.width = width;
+    font.angle = word() * std::numbers::pi / 1800;
+    (void)word();
+    font.bold = word() >= kBoldWeight;
+    font.italic = in.U8() != 0;
+    font.underline = in.U8() != 0;
+    font.strikeOut = in.U8() != 0;
+    font.charSet = in.U8();
+    in.Skip(4);
+    std::string name;
+    while (in.Left() >= letterSize && name.size() < 6)
+        name += static_cast<char>(letterSize == 2 ? in.U16LE() : in.U8());
+    font.greek = ToLower(name) == "symbol";
+    return font;
+}
+
+Surface Charged(Canvas& canvas, Surface picture, std::uint64_t pixelsOfAStep) {
+    if (picture && !canvas.Spend(picture.Span().size() / 4 / pixelsOfAStep)) return {};
+    return picture;
 }
 
 } // namespace pelorin::metafile

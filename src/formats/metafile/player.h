@@ -12,30 +12,31 @@ struct FileFacts {
     PointF origin;                ///< the picture's upper left corner on the reference device
     std::size_t firstRecord = 0;
     // Of Windows metafiles:
-    PointF windowOrigin, windowExtent;
+    PointF windowOrigin, windowExtent, viewportExtent; ///< at the first record
 };
 
 [[nodiscard]] bool ReadEmfFacts(ByteSpan file, FileFacts& facts);
 [[nodiscard]] bool ReadPlaceableFacts(ByteSpan file, FileFacts& facts);
 [[nodiscard]] bool ReadPlainFacts(ByteSpan file, FileFacts& facts);
 
+/// The enhanced metafile that comments of a Windows metafile hold; empty where there is none or a piece is missing.
+[[nodiscard]] Bytes ReadEmbeddedEmf(ByteSpan file);
+
 void PlayEmf(ByteSpan file, const FileFacts& facts, Painter& painter);
 void PlayWmf(ByteSpan file, const FileFacts& facts, Painter& painter);
 
 // ---- parts of records ----
 
-/// Red, green, blue, 0 as a file has them.
-[[nodiscard]] inline Rgb ReadColor(ByteReader& in) {
-    const auto red = in.U8(), green = in.U8(), blue = in.U8();
-    in.Skip(1);
-    return Rgb{red} << 16 | Rgb{green} << 8 | blue;
-}
 /// The pen of a style word: dashes in the low four bits, caps and joins above.
 [[nodiscard]] Pen MakePen(std::uint32_t style, double width, Rgb color);
 /// The brush of a style: 0 solid, 1 none, 2 hatched; others are solid.
 [[nodiscard]] Ink MakeBrush(std::uint32_t style, Rgb color, std::uint32_t hatch);
 [[nodiscard]] Ink MakePatternBrush(Surface picture);
-[[nodiscard]] Font MakeFont(double height, double width, int tenths, int weight, bool italic, bool underline,
-                            bool strikeOut);
+/// From the bytes of a font's description behind its width: angle, orientation and weight in words of `wordSize` bytes,
+/// italic, underline, strike-out and character set in a byte each, four more, and the name in characters of
+/// `letterSize` bytes.
+[[nodiscard]] Font ReadFont(ByteReader& in, double height, double width, std::size_t wordSize, std::size_t letterSize);
+/// A bitmap of the file: what it takes to decode it is charged to the canvas, and it is empty when that is used up.
+[[nodiscard]] Surface Charged(Canvas& canvas, Surface picture, std::uint64_t pixelsOfAStep);
 
 } // namespace pelorin::metafile

@@ -17,11 +17,12 @@ struct Crossing {
     int direction;
 };
 
-std::vector<Edge> CollectEdges(const Canvas& canvas, const Figures& figures) {
+std::vector<Edge> CollectEdges(Canvas& canvas, const Figures& figures) {
     std::vector<Edge> edges;
     for (const auto& figure : figures) {
         const auto count = figure.points.size();
         for (std::size_t i = 0; i < count; ++i) {
+            canvas.Reach(figure.points[i]);
             auto from = figure.points[i], to = figure.points[(i + 1) % count];
             if (from.y == to.y) continue;
             const int direction = from.y < to.y ? 1 : -1;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "formats/metafile/canvas.h"
+#include "formats/metafile/palette.h"
 #include "formats/metafile/raster.h"
 
 #include <variant>
@@ -24,6 +25,8 @@ struct Font {
     double width = 0;  ///< average of a letter; 0: as drawn
     double angle = 0;  ///< radians, against the clock
     bool bold = false, italic = false, underline = false, strikeOut = false;
+    int charSet = 1;
+    bool greek = false; ///< of the symbol faces the one with Greek letters
 };
 
 /// Rectangles in logical units.
@@ -31,7 +34,7 @@ struct RegionObject {
     std::vector<Rect> parts;
 };
 
-using Object = std::variant<std::monostate, Pen, Ink, Font, RegionObject>;
+using Object = std::variant<std::monostate, Pen, Ink, Font, RegionObject, Palette>;
 
 enum class MapMode { Text = 1, LowMetric, HighMetric, LowEnglish, HighEnglish, Twips, Isotropic, Anisotropic };
 
@@ -47,12 +50,14 @@ struct State {
     bool winding = false;
     Rop rop = kCopyPattern;
     unsigned textAlign = 0;
-    double letterSpace = 0;
+    double letterSpace = 0, blankSpace = 0; ///< logical, added to each letter and to each blank
+    bool smoothShrink = false;              ///< bitmaps that get smaller are averaged
+    Palette palette;
     bool clockwise = false;
     double miterLimit = 10;
     PointF position; ///< logical
     Point brushOrigin;
-    Clip clip;
+    Clip clip, outerClip;  ///< the clip never gives more than the outer one does
     bool advanced = false; ///< boxes include their right and lower edges
 };
 

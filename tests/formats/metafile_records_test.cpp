@@ -1,0 +1,309 @@
+#include "formats/metafile/face.h"
+#include "formats/metafile/letters.h"
+#include "support/hostile.h"
+#include "support/metafile_builder.h"
+
+#include <gtest/gtest.h>
+
+namespace pelorin {
+namespace {
+
+using namespace test;
+using namespace std::string_literals;
+
+// The bounds that records have and nobody reads.
+const Words kBounds = {0, 0, 0, 0};
+
+// ---- what is known before a record is played ----
+
+TEST(MetafileFacts, PlainFilesWithoutAWindowAreAsLargeAsWhatTheyDraw) {
+    WmfBuilder plain;
+    plain.Header();
+    plain.Fill(0, 0, 0, 255).Record(0x0416, {9, 9, 0, 0}); // a clip is not drawn
+    plain.Record(0x041B, {61, 41, 20, 20}).Record(0x041B, {41, 61, 20, 20});
+    EXPECT_EQ(SizeOf(Play(plain.Done(), 80)), (Size{80, 80}));
+
+    WmfBuilder corner;
+    corner.Header();
+    corner.Fill(0, 0, 0, 255).Record(0x041B, {311, 207, 307, 203}); // three by three pixels
+    EXPECT_EQ(Drawing(Play(corner.Done(), 3)), "rrr\nrrr\nrrr\n");
+
+    WmfBuilder pixels; // a window that is set up while the mapping is fixed does not count
+    pixels.Header();
+    pixels.Record(0x0103, {1}).Record(0x020C, {10, 1000}).Fill(0, 0, 0, 255).Record(0x041B, {5, 5, 0, 0});
+    EXPECT_EQ(Drawing(Play(pixels.Done(), 4)), "rrrr\nrrrr\nrrrr\nrrrr\n");
+}
+
+// A placeable file that draws in blue and carries an enhanced one that draws in red, in pieces of `piece` bytes.
+Bytes WithEmbedded(std::size_t piece, std::size_t pieces) {
+    const auto emf = EmfBuilder(8, 4).Fill(0xFF).Record(43, {0, 0, 9, 5}).Done();
+    auto file = Placeable(8, 8, 96);
+    for (std::size_t i = 0; i < pieces; ++i) {
+        const auto at = i * piece, size = std::min(piece, emf.size() - at);
+        ByteWriter comment;
+        comment.U16LE(15);
+        comment.U16LE(static_cast<std::uint32_t>(34 + size));
+        for (const std::size_t value : {std::size_t{0x43464D57}, std::size_t{1}, std::size_t{0x10000}})
+            comment.U32LE(static_cast<std::uint32_t>(value));
+        comment.U16LE(0);
+        for (const std::size_t value : {std::size_t{0}, pieces, size, emf.size() - at - size, emf.size()})
+            comment.U32LE(static_cast<std::uint32_t>(value));
+        comment.Raw({emf.data() + at, size});
+        Words words;
+        const auto bytes = comment.Take();
+        for (std::size_t b = 0; b + 1 < bytes.size(); b += 2) words.push_back(LoadU16LE(&bytes[b]));
+        file.Record(0x0626, words);
+    }
+    return file.Fill(0, 255, 0, 0).Record(0x041B, {9, 9, 0, 0}).Done();
+}
+
+TEST(MetafileFacts, AnEmbeddedEnhancedFileIsPlayedInstead) {
+    EXPECT_EQ(Drawing(Play(WithEmbedded(4096, 1), 4)), "rrrr\nrrrr\n");
+    EXPECT_EQ(Drawing(Play(WithEmbedded(100, 3), 4)), "rrrr\nrrrr\n") << "in three pieces";
+    EXPECT_EQ(At(Play(WithEmbedded(100, 1), 8), 0, 0), kBlue) << "two pieces are missing";
+}
+
+TEST(MetafileState, ExtentsCountInFreeMappingModesOnly) {
+    auto emf = EmfBuilder(8, 2).Fill(0xFF);
+    emf.Record(9, {2, 2}).Record(32, {1, 2, 1, 2}).Record(17, {8}).Record(43, {0, 0, 3, 3});
+    EXPECT_EQ(Drawing(Play(emf.Done(), 8)), "rr......\nrr......\n");
+    // The free mode goes on with the extents of the fixed one: tenths of millimetres, upwards.
+    auto metric = EmfBuilder(8, 2).Fill(0xFF);
+    metric.Record(17, {2}).Record(17, {8}).Record(32, {1, 2, 1, 1}).Record(43, {0, 0, 2, -3});
+    EXPECT_EQ(Drawing(Play(metric.Done(), 8)), "rrr.....\nrrr.....\n");
+}
+
+TEST(MetafileState, AKeptClipCanNotBeWidenedAgain) {
+    auto emf = EmfBuilder(6, 2).Fill(0xFF);
+    emf.Record(30, {1, 0, 5, 2}).Record(28).Record(75, {0, 5});
+    emf.Record(43, {0, 0, 9, 2}).Record(75, {48, 5, 32, 1, 1, 16, 0, 0, 6, 2, 4, 0, 6, 2});
+    emf.Fill(0xFF0000).Record(43, {0, 0, 9, 3});
+    EXPECT_EQ(Drawing(Play(emf.Done(), 6)), ".rrrb.\n....b.\n");
+}
+
+TEST(MetafileState, PalettesNameColors) {
+    // Two entries, red and green; a brush of number 1; then that entry becomes blue.
+    auto emf = EmfBuilder(4, 2).Fill(0);
+    emf.Record(49, {2, 0x300 | 2 << 16, 0x0000FF, 0x00FF00}).Record(48, {2});
+    emf.Record(39, {3, 0, 0x01000001, 0}).Record(37, {3}).Record(43, {0, 0, 2, 3});
+    emf.Record(50, {2, 1, 1, 0xFF0000}).Record(39, {3, 0, 0x01000001, 0}).Record(37, {3}).Record(43, {1, 0, 3, 3});
+    // Bitmaps whose tables are numbers, and whose pixels are: 8 bits, two by one.
+    const Words header = {40, 2, 1, 1 | 8 << 16, 0, 0, 0, 0, 2, 0};
+    const auto stretch = [](int usage, int headerSize, int rows) {
+        return kBounds + Words{2, usage - 1, 0, 0, 2, 1, 80, headerSize, rows, 4, usage, 0xCC0020, 2, 1};
+    };
+    emf.Record(81, stretch(1, 44, 124) + header + Words{0 << 16 | 1, 0x0100});
+    emf.Record(81, stretch(2, 40, 120) + header + Words{0x0100});
+    EXPECT_EQ(Drawing(Play(emf.Done(), 4)), "gbbr\ngbrb\n");
+
+    auto wmf = Placeable(2, 1, 96).Fill(0, 0, 0, 0);
+    wmf.Record(0x00F7, {0x300, 2, 0xFF, 0, 0xFF00, 0}).Record(0x0234, {2}).Record(0x0037, {0, 1, 0, 0xFF});
+    wmf.Record(0x02FC, {0, 0, 0x100, 0}).Record(0x012D, {3}).Record(0x041B, {2, 2, 0, 0});
+    EXPECT_EQ(Drawing(Play(wmf.Done(), 2)), "b.\n");
+}
+
+// ---- areas ----
+
+TEST(MetafileAreas, FloodsStopAtTheirBorderOrAtTheEndOfTheirColor) {
+    // A black ring in a picture; blue up to black inside, then red over blue.
+    const char* flooded = "kkkk.\nkrrk.\nkrrk.\nkkkk.\n.....\n";
+    auto emf = EmfBuilder(5, 5).Fill(0);
+    emf.Record(43, {0, 0, 5, 5}).Fill(0x00FF00).Record(43, {1, 1, 4, 4});
+    emf.Fill(0xFF0000).Record(53, {1, 1, 0, 0}).Fill(0xFF).Record(53, {2, 2, 0xFF0000, 1});
+    emf.Record(53, {2, 2, 0x00FF00, 1}).Record(53, {-3, 2, 0, 0});
+    EXPECT_EQ(Drawing(Play(emf.Done(), 5)), flooded);
+    auto wmf = Placeable(5, 5, 96).Fill(0, 0, 0, 0);
+    wmf.Record(0x041B, {5, 5, 0, 0}).Fill(2, 0, 255, 0).Record(0x041B, {4, 4, 1, 1}).Fill(4, 255, 0, 0);
+    wmf.Record(0x0419, {0, 0, 1, 1}).Fill(6, 0, 0, 255).Record(0x0548, {1, 0, 0xFF, 2, 2});
+    EXPECT_EQ(Drawing(Play(wmf.Done(), 5)), flooded);
+}
+
+TEST(MetafileAreas, RegionsAreFramedInvertedAndPainted) {
+    const Words cross = {32, 1, 2, 32, 0, 0, 6, 6, 2, 0, 4, 6, 0, 2, 6, 4};
+    const auto region = [&](const Words& head) { return kBounds + Words{64} + head + cross; };
+    struct Case {
+        int type;
+        Words head;
+        const char* drawing;
+    };
+    const Case cases[] = {
+        {72, {1, 1, 1}, "..rr..\n..rr..\nrr..rr\nrr..rr\n..rr..\n..rr..\n"},
+        {71, {1}, "..rr..\n..rr..\nrrrrrr\nrrrrrr\n..rr..\n..rr..\n"},
+        {74, {}, "..bb..\n..bb..\nbbbbbb\nbbbbbb\n..bb..\n..bb..\n"},
+    };
+    for (const auto& c : cases) {
+        auto emf = EmfBuilder(6, 6).Fill(0xFF);
+        emf.Record(39, {2, 0, 0xFF0000, 0}).Record(37, {2}).Record(c.type, region(c.head));
+        EXPECT_EQ(Drawing(Play(emf.Done(), 6)), c.drawing) << c.type;
+    }
+    // Black becomes white, once where the parts of the region lie on each other.
+    auto emf = EmfBuilder(6, 6).Fill(0);
+    emf.Record(43, {0, 0, 7, 7}).Record(73, region({}));
+    EXPECT_EQ(Drawing(Play(emf.Done(), 6)), "kkwwkk\nkkwwkk\nwwwwww\nwwwwww\nkkwwkk\nkkwwkk\n");
+
+    auto wmf = Placeable(5, 4, 96).Fill(0, 0, 0, 255);
+    wmf.Record(0x06FF, {0, 6, 0, 0, 0, 1, 2, 0, 0, 5, 4, 2, 0, 4, 0, 5, 2}).Record(0x0429, {2, 0, 1, 2});
+    EXPECT_EQ(Drawing(Play(wmf.Done(), 5)), "rrrrr\nrr.rr\nrr.rr\nrrrrr\n");
+}
+
+TEST(MetafileAreas, MasksChooseTheOperationAndSlantedAreasTurn) {
+    const Words picture = Bitmap(2, 2, {0xFF0000, 0x00FF00, 0x0000FF, 0xFF00FF});
+    const Words mask = {40, 2, -2, 1 | 1 << 16, 0, 0, 0, 0, 0, 0, 0, 0xFFFFFF, 0x40, 0x80};
+    // Where the mask is set the source, elsewhere black.
+    auto masked = EmfBuilder(2, 2);
+    masked.Record(78, kBounds + Words{0, 0, 2, 2, 0x00CC0020, 0, 0} + Words(6) + Words{0, 0, 128, 40, 168, 16} +
+                          Words{0, 0, 0, 184, 48, 232, 8} + picture + mask);
+    EXPECT_EQ(Drawing(Play(masked.Done(), 2)), "kg\nbk\n");
+    // A quarter turn: the upper side of the source stands on the right.
+    auto turned = EmfBuilder(2, 2);
+    turned.Record(79, kBounds + Words{2, 0, 2, 2, 0, 0, 0, 0, 2, 2} + Words(6) + Words{0, 0, 140, 40, 180, 16} +
+                          Words(7) + picture);
+    EXPECT_EQ(Drawing(Play(turned.Done(), 2)), "br\nmg\n");
+}
+
+TEST(MetafileAreas, HalftonesAverageWhatGetsSmaller) {
+    for (const int mode : {3, 4}) {
+        auto emf = EmfBuilder(1, 1).Record(21, {mode});
+        emf.Record(81, kBounds + Words{0, 0, 0, 0, 2, 2, 80, 40, 120, 16, 0, 0xCC0020, 1, 1} +
+                           Bitmap(2, 2, {0xFF0000, 0x0000FF, 0xFF0000, 0x0000FF}));
+        const auto color = At(Play(emf.Done(), 1), 0, 0);
+        EXPECT_EQ(color == 0xFF7F007F, mode == 4) << color;
+    }
+}
+
+TEST(MetafileAreas, TrianglesAreShadedBetweenTheirCorners) {
+    auto emf = EmfBuilder(64, 64);
+    emf.Record(118, kBounds + Words{3, 1, 2, 0, 0, 0xFF00, 0, 64, 0, static_cast<int>(0xFF000000u), 0, 0, 64, 0, 0xFF00,
+                                    0, 1, 2});
+    const auto block = Play(emf.Done(), 64);
+    EXPECT_GT(RedOf(At(block, 2, 2)), 230);
+    EXPECT_GT(GreenOf(At(block, 60, 1)), 230);
+    EXPECT_GT(BlueOf(At(block, 1, 60)), 230);
+    for (const auto channel : {RedOf(At(block, 21, 21)), GreenOf(At(block, 21, 21)), BlueOf(At(block, 21, 21))})
+        EXPECT_NEAR(channel, 85, 5);
+    EXPECT_EQ(At(block, 40, 40), kClear);
+}
+
+TEST(MetafilePaths, AWidenedPathIsTheOutlineOfItsLines) {
+    auto emf = EmfBuilder(8, 8).Fill(0xFF);
+    emf.Record(95, {2, 0, 0, 0, 0, 0x10200, 4, 0, 0, 0, 0}).Record(37, {2}); // four pixels, flat ends
+    emf.Record(59).Record(27, {0, 4}).Record(54, {8, 4}).Record(60).Record(66).Record(62);
+    EXPECT_EQ(Drawing(Play(emf.Done(), 8)).substr(0, 27), "........\n........\nrrrrrrrr\n");
+    auto far = EmfBuilder(4, 4).Fill(0xFF); // one line, however far it goes
+    far.Record(3, kBounds + Words{3, -40000000, -40000001, 0, -1, 40000000, 39999999});
+    EXPECT_EQ(Drawing(Play(far.Done(), 4)), "....\n....\n....\n....\n");
+}
+
+// ---- text ----
+
+TEST(MetafileText, AllRecordsOfTextDrawTheSame) {
+    const auto start = [] {
+        auto emf = EmfBuilder(32, 16);
+        emf.Record(18, {1}).Record(82, Words{1, -14, 0, 0, 0, 400, 0, 0} + Words(60)).Record(37, {1});
+        return emf;
+    };
+    const auto expected = Drawing(
+        Play(start().Record(84, kBounds + Words{1, 0, 0, 4, 0, 2, 76, 0, 0, 0, 0, 0, 0, 'H' | 'i' << 16}).Done(), 32));
+    EXPECT_NE(expected.find('k'), std::string::npos);
+    struct Case {
+        const char* what;
+        int type;
+        Words words;
+    };
+    const Case cases[] = {
+        {"bytes", 83, kBounds + Words{1, 0, 0, 4, 0, 2, 76, 0, 0, 0, 0, 0, 0, 'H' | 'i' << 8}},
+        {"small", 108, {4, 0, 2, 0x100, 1, 0, 0, 'H' | 'i' << 16}},
+        {"small bytes", 108, {4, 0, 2, 0x300, 1, 0, 0, 'H' | 'i' << 8}},
+        {"small with a box", 108, {4, 0, 2, 0, 1, 0, 0, 0, 0, 9, 9, 'H' | 'i' << 16}},
+        {"many", 97, kBounds + Words{1, 0, 0, 1, 4, 0, 2, 80, 0, 0, 0, 0, 0, 0, 'H' | 'i' << 16}},
+        {"shapes", 84, kBounds + Words{1, 0, 0, 4, 0, 2, 76, 0x10, 0, 0, 0, 0, 0, ('H' - 29) | ('i' - 29) << 16}},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(Drawing(Play(start().Record(c.type, c.words).Done(), 32)), expected) << c.what;
+    // Advances in pairs also move up: the second letter by ten.
+    const auto risen = Drawing(Play(
+        start()
+            .Record(84, kBounds + Words{1, 0, 0, 4, 10, 2, 76, 0x2000, 0, 0, 0, 0, 80, 'H' | 'H' << 16, 10, 10, 10, 0})
+            .Done(),
+        32));
+    const auto row = risen.substr(33 * 5, 32); // above the first letter
+    EXPECT_EQ(row.substr(0, 14).find('k'), std::string::npos);
+    EXPECT_NE(row.substr(14).find('k'), std::string::npos);
+}
+
+TEST(MetafileText, CharacterSets) {
+    using metafile::Font;
+    const auto letters = [](int charSet, bool greek, std::initializer_list<std::uint8_t> bytes) {
+        Font font;
+        font.charSet = charSet;
+        font.greek = greek;
+        return metafile::LettersOfBytes(Bytes(bytes), font);
+    };
+    EXPECT_EQ(letters(0, false, {'a', 0xE9, 0x80, 0xA0}), U"aé€\u00A0");
+    EXPECT_EQ(letters(204, false, {0xDF, 0xB8, 0xA8}), U"ЯёЁ");
+    EXPECT_EQ(letters(238, false, {0xF8, 0x8A}), U"řŠ");
+    EXPECT_EQ(letters(161, false, {0xC1, 0xF9}), U"Αω");
+    EXPECT_EQ(letters(162, false, {0xDD}), U"İ");
+    EXPECT_EQ(letters(186, false, {0xE0}), U"ą");
+    EXPECT_EQ(letters(2, true, {'a', 'S', 0xE5, 0xA5}), U"αΣ∑∞");
+    EXPECT_EQ(letters(2, false, {'l'}), U"•");
+    EXPECT_EQ(letters(128, false, {0x83, 0x41, 'x', 0x83}), U"\u3013\u200Bx\u3013") << "two bytes keep two places";
+    const std::uint16_t units[] = {0x0416, 0xD83D, 0xDE00, 0xF041};
+    EXPECT_EQ(metafile::LettersOfUnits(units, {}), U"Ж\U0001F600\u200BA");
+}
+
+TEST(MetafileText, LettersArePutTogether) {
+    using metafile::FaceAdvance;
+    using metafile::FaceStrokes;
+    // The box has one stroke of five points.
+    for (const char32_t letter : U"ÀĄčŐžΑΩλςБЯцєїўŁ≤√→€•"s) {
+        const auto strokes = FaceStrokes(letter);
+        EXPECT_FALSE(strokes.size() == 1 && strokes[0].size() == 5 && FaceAdvance(letter) == 8)
+            << static_cast<unsigned>(letter);
+    }
+    EXPECT_EQ(FaceStrokes(0xE123).size(), 1u);
+    EXPECT_EQ(FaceStrokes(U'č').size(), FaceStrokes(U'c').size() + 1);
+    EXPECT_DOUBLE_EQ(FaceAdvance(U'в'), FaceAdvance(U'B') * 0.7) << "a small capital";
+    EXPECT_EQ(FaceAdvance(0x4E2D), 14) << "a whole em";
+    EXPECT_EQ(FaceAdvance(0x200B), 0);
+}
+
+// ---- damage ----
+
+DibBlock PlaySmall(ByteSpan file, const PictureRequest&, PictureFacts&) {
+    return Play(file, 16);
+}
+
+TEST(MetafileRecords, SurviveDamage) {
+    ExpectSurvivesDamage(PlaySmall, WithEmbedded(200, 2));
+    auto emf = EmfBuilder(32, 32).Fill(0xFF);
+    emf.Record(49, {2, 0x300 | 2 << 16, 0xFF, 0xFF00}).Record(48, {2}).Record(51, {2, 9}).Record(50, {2, 1, 1, 0xFF});
+    emf.Record(72, kBounds + Words{48, 1, 1, 1, 32, 1, 1, 16, 0, 0, 9, 9, 2, 2, 20, 20}).Record(53, {9, 9, 0, 0});
+    emf.Record(79, kBounds + Words{2, 0, 9, 4, 0, 9, 0, 0, 2, 1} + Words(6) +
+                       Words{0, 0, 140, 40, 180, 8, 1, 1, 0, 140} + Words{40, 180, 8} + Bitmap(2, 1, {1, 2}));
+    emf.Record(118, kBounds + Words{3, 1, 2, 0, 0, 0xFF00, 0, 30, 0, 9, 0, 0, 30, 0, 0xFF00, 0, 1, 2});
+    emf.Record(95, {3, 0, 0, 0, 0, 0x10000, 4, 0, 0, 0, 0}).Record(37, {3}).Record(59).Record(54, {9, 9}).Record(60);
+    emf.Record(66).Record(62).Record(108, {4, 0, 2, 0, 1, 0, 0, 0, 0, 9, 9, 'H' | 'i' << 16});
+    emf.Record(97, kBounds + Words{1, 0, 0, 1, 4, 0, 2, 80, 0x2000, 0, 0, 0, 0, 84, 'H' | 'i' << 16, 4, 4, 4, 4});
+    ExpectSurvivesDamage(PlaySmall, emf.Done());
+}
+
+TEST(MetafileRecords, WorkAndMemoryHaveAnEnd) {
+    // A region of two thousand million parts of which none is there: what is left in the record is no whole header.
+    auto region = EmfBuilder(16, 16).Record(74, kBounds + Words{28, 32, 1, 0x7FFFFFFF, 0, 0, 0, 0});
+    EXPECT_TRUE(Play(region.Done(), 16));
+    // Floods, frames, texts and pictures over the whole picture, more than anybody would draw.
+    auto bombs = EmfBuilder(16, 16).Fill(0xFF);
+    bombs.Record(49, {2, 0x300 | 1 << 16, 0xFF});
+    for (int i = 0; i < 20000; ++i) {
+        bombs.Record(53, {8, 8, 0, 0}).Record(72, kBounds + Words{48, 1, 1, 1, 32, 1, 1, 16, 0, 0, 9, 9, 0, 0, 99, 99});
+        bombs.Record(108, {0, 0, 1 << 30, 0x100, 1, 0, 0, 'H' | 'i' << 16}).Record(51, {2, 1 << 30});
+        // Runs that stand for half a million pixels, as a pattern.
+        bombs.Record(94, Words{3 + i, 0, 32, 40, 72, 1024} + Words{40, 1024, 512, 1 | 8 << 16, 1, 0, 0, 0, 1, 0} +
+                             Words(i < 20 ? 256 : 1));
+    }
+    EXPECT_TRUE(Play(bombs.Done(), 256));
+}
+
+} // namespace
+} // namespace pelorin
