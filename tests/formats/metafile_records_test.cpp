@@ -2,6 +2,7 @@
 #include "formats/metafile/letters.h"
 #include "support/hostile.h"
 #include "support/metafile_builder.h"
+#include "support/png_builder.h"
 
 #include <gtest/gtest.h>
 
@@ -36,10 +37,10 @@ TEST(MetafileFacts, PlainFilesWithoutAWindowAreAsLargeAsWhatTheyDraw) {
 
 // A placeable file that draws in blue and carries an enhanced one that draws in red, in pieces of `piece` bytes.
 Bytes WithEmbedded(std::size_t piece, std::size_t pieces) {
-    const auto emf = EmfBuilder(8, 4).Fill(0xFF).Record(43, {0, 0, 9, 5}).Done();
+    const auto emf = EmfBuilder(8, 4).Fill(0xFF).Record(43, {0, 0, 8, 4}).Done();
     auto file = Placeable(8, 8, 96);
     for (std::size_t i = 0; i < pieces; ++i) {
-        const auto at = i * piece, size = std::min(piece, emf.size() - at);
+        const auto at = std::min(emf.size(), i * piece), size = std::min(piece, emf.size() - at);
         ByteWriter comment;
         comment.U16LE(15);
         comment.U16LE(static_cast<std::uint32_t>(34 + size));
@@ -59,25 +60,25 @@ Bytes WithEmbedded(std::size_t piece, std::size_t pieces) {
 
 TEST(MetafileFacts, AnEmbeddedEnhancedFileIsPlayedInstead) {
     EXPECT_EQ(Drawing(Play(WithEmbedded(4096, 1), 4)), "rrrr\nrrrr\n");
-    EXPECT_EQ(Drawing(Play(WithEmbedded(100, 3), 4)), "rrrr\nrrrr\n") << "in three pieces";
-    EXPECT_EQ(At(Play(WithEmbedded(100, 1), 8), 0, 0), kBlue) << "two pieces are missing";
+    EXPECT_EQ(Drawing(Play(WithEmbedded(70, 3), 4)), "rrrr\nrrrr\n") << "in three pieces";
+    EXPECT_EQ(At(Play(WithEmbedded(100, 1), 8), 0, 0), kBlue) << "a piece is missing";
 }
 
 TEST(MetafileState, ExtentsCountInFreeMappingModesOnly) {
     auto emf = EmfBuilder(8, 2).Fill(0xFF);
-    emf.Record(9, {2, 2}).Record(32, {1, 2, 1, 2}).Record(17, {8}).Record(43, {0, 0, 3, 3});
+    emf.Record(9, {2, 2}).Record(32, {1, 2, 1, 2}).Record(17, {8}).Record(43, {0, 0, 2, 2});
     EXPECT_EQ(Drawing(Play(emf.Done(), 8)), "rr......\nrr......\n");
     // The free mode goes on with the extents of the fixed one: tenths of millimetres, upwards.
     auto metric = EmfBuilder(8, 2).Fill(0xFF);
-    metric.Record(17, {2}).Record(17, {8}).Record(32, {1, 2, 1, 1}).Record(43, {0, 0, 2, -3});
-    EXPECT_EQ(Drawing(Play(metric.Done(), 8)), "rrr.....\nrrr.....\n");
+    metric.Record(17, {2}).Record(17, {8}).Record(32, {1, 2, 1, 1}).Record(43, {0, 0, 2, -2});
+    EXPECT_EQ(Drawing(Play(metric.Done(), 8)), "rrrr....\nrrrr....\n");
 }
 
 TEST(MetafileState, AKeptClipCanNotBeWidenedAgain) {
     auto emf = EmfBuilder(6, 2).Fill(0xFF);
     emf.Record(30, {1, 0, 5, 2}).Record(28).Record(75, {0, 5});
-    emf.Record(43, {0, 0, 9, 2}).Record(75, {48, 5, 32, 1, 1, 16, 0, 0, 6, 2, 4, 0, 6, 2});
-    emf.Fill(0xFF0000).Record(43, {0, 0, 9, 3});
+    emf.Record(43, {0, 0, 9, 1}).Record(75, {48, 5, 32, 1, 1, 16, 0, 0, 6, 2, 4, 0, 6, 2});
+    emf.Fill(0xFF0000).Record(43, {0, 0, 9, 2});
     EXPECT_EQ(Drawing(Play(emf.Done(), 6)), ".rrrb.\n....b.\n");
 }
 
@@ -85,8 +86,8 @@ TEST(MetafileState, PalettesNameColors) {
     // Two entries, red and green; a brush of number 1; then that entry becomes blue.
     auto emf = EmfBuilder(4, 2).Fill(0);
     emf.Record(49, {2, 0x300 | 2 << 16, 0x0000FF, 0x00FF00}).Record(48, {2});
-    emf.Record(39, {3, 0, 0x01000001, 0}).Record(37, {3}).Record(43, {0, 0, 2, 3});
-    emf.Record(50, {2, 1, 1, 0xFF0000}).Record(39, {3, 0, 0x01000001, 0}).Record(37, {3}).Record(43, {1, 0, 3, 3});
+    emf.Record(39, {3, 0, 0x01000001, 0}).Record(37, {3}).Record(43, {0, 0, 1, 2});
+    emf.Record(50, {2, 1, 1, 0xFF0000}).Record(39, {3, 0, 0x01000001, 0}).Record(37, {3}).Record(43, {1, 0, 2, 2});
     // Bitmaps whose tables are numbers, and whose pixels are: 8 bits, two by one.
     const Words header = {40, 2, 1, 1 | 8 << 16, 0, 0, 0, 0, 2, 0};
     const auto stretch = [](int usage, int headerSize, int rows) {
@@ -108,7 +109,7 @@ TEST(MetafileAreas, FloodsStopAtTheirBorderOrAtTheEndOfTheirColor) {
     // A black ring in a picture; blue up to black inside, then red over blue.
     const char* flooded = "kkkk.\nkrrk.\nkrrk.\nkkkk.\n.....\n";
     auto emf = EmfBuilder(5, 5).Fill(0);
-    emf.Record(43, {0, 0, 5, 5}).Fill(0x00FF00).Record(43, {1, 1, 4, 4});
+    emf.Record(43, {0, 0, 4, 4}).Fill(0x00FF00).Record(43, {1, 1, 3, 3});
     emf.Fill(0xFF0000).Record(53, {1, 1, 0, 0}).Fill(0xFF).Record(53, {2, 2, 0xFF0000, 1});
     emf.Record(53, {2, 2, 0x00FF00, 1}).Record(53, {-3, 2, 0, 0});
     EXPECT_EQ(Drawing(Play(emf.Done(), 5)), flooded);
@@ -138,7 +139,7 @@ TEST(MetafileAreas, RegionsAreFramedInvertedAndPainted) {
     }
     // Black becomes white, once where the parts of the region lie on each other.
     auto emf = EmfBuilder(6, 6).Fill(0);
-    emf.Record(43, {0, 0, 7, 7}).Record(73, region({}));
+    emf.Record(43, {0, 0, 6, 6}).Record(73, region({}));
     EXPECT_EQ(Drawing(Play(emf.Done(), 6)), "kkwwkk\nkkwwkk\nwwwwww\nwwwwww\nkkwwkk\nkkwwkk\n");
 
     auto wmf = Placeable(5, 4, 96).Fill(0, 0, 0, 255);
@@ -169,6 +170,68 @@ TEST(MetafileAreas, HalftonesAverageWhatGetsSmaller) {
         const auto color = At(Play(emf.Done(), 1), 0, 0);
         EXPECT_EQ(color == 0xFF7F007F, mode == 4) << color;
     }
+}
+
+TEST(MetafileAreas, SourcesHaveUnitsOfTheirOwnAndTablesMayBreakOff) {
+    // Two by one, red and blue; the source's units are half pixels, shifted by one pixel.
+    auto halves = EmfBuilder(2, 1);
+    halves.Record(77, kBounds +
+                          Words{0, 0, 2, 1, 0xCC0020, -2, 0, FloatBits(0.5F), 0, 0, FloatBits(0.5F), FloatBits(1), 0} +
+                          Words{0, 0, 108, 40, 148, 8, 4, 2} + Bitmap(2, 1, {0xFF0000, 0x0000FF}));
+    EXPECT_EQ(Drawing(Play(halves.Done(), 2)), "rb\n");
+    // Eight bits with a table of two, though the header speaks of all; the third colour is black.
+    auto table = EmfBuilder(3, 1);
+    table.Record(81, kBounds + Words{0, 0, 0, 0, 3, 1, 80, 48, 128, 4, 0, 0xCC0020, 3, 1} +
+                         Words{40, 3, 1, 1 | 8 << 16, 0, 0, 0, 0, 0, 0, 0xFF0000, 0x0000FF, 0x020100});
+    EXPECT_EQ(Drawing(Play(table.Done(), 3)), "rbk\n");
+    // A whole PNG file in place of the rows.
+    auto png = BuildPng({.width = 2, .height = 1, .depth = 8, .colorType = 2, .rows = {0, 255, 0, 0, 0, 0, 255}});
+    png.resize((png.size() + 3) / 4 * 4);
+    const int size = static_cast<int>(png.size());
+    Words words = kBounds + Words{0, 0, 0, 0, 2, 1, 80, 40, 120, size, 0, 0xCC0020, 2, 1} +
+                  Words{40, 2, 1, 1, 5, size, 0, 0, 0, 0};
+    for (std::size_t i = 0; i < png.size(); i += 4) words.push_back(static_cast<int>(LoadU32LE(&png[i])));
+    EXPECT_EQ(Drawing(Play(EmfBuilder(2, 1).Record(81, words).Done(), 2)), "rb\n");
+}
+
+TEST(MetafileAreas, BrushesAndPensOfAllKinds) {
+    struct Case {
+        int hatch;
+        const char* drawing;
+    };
+    // Brush and text red and green, ground blue; hatches that are none.
+    for (const auto& c : {Case{6, "rr\n"}, Case{7, "rr\n"}, Case{8, "gg\n"}, Case{9, "gg\n"}, Case{10, "bb\n"}}) {
+        auto emf = EmfBuilder(2, 1).Fill(0).Record(24, {0xFF00}).Record(25, {0xFF0000});
+        emf.Record(39, {2, 2, 0xFF, c.hatch}).Record(37, {2}).Record(43, {0, 0, 2, 2});
+        EXPECT_EQ(Drawing(Play(emf.Done(), 2)), c.drawing) << c.hatch;
+    }
+    // Two by one pixels as a brush, and as what a wide pen paints with.
+    auto emf = EmfBuilder(4, 4).Fill(0);
+    emf.Record(94, Words{2, 0, 32, 40, 72, 8} + Bitmap(2, 1, {0xFF0000, 0x0000FF})).Record(37, {2});
+    emf.Record(43, {0, 0, 4, 1});
+    emf.Record(95, Words{3, 52, 40, 92, 8, 0x10200, 2, 5, 0, 0, 0} + Bitmap(2, 1, {0x00FF00, 0}));
+    emf.Record(37, {3}).Record(27, {0, 3}).Record(54, {4, 3});
+    EXPECT_EQ(Drawing(Play(emf.Done(), 4)), "rbrb\n....\ngkgk\ngkgk\n");
+    // One bit: its numbers are the colours of text and ground, whatever the table says.
+    auto two = EmfBuilder(2, 1).Fill(0).Record(24, {0xFF00}).Record(25, {0xFF0000});
+    two.Record(93,
+               Words{2, 0, 32, 48, 80, 4} + Words{40, 2, 1, 1 | 1 << 16, 0, 0, 0, 0, 0, 0, 0x123456, 0x654321, 0x40});
+    EXPECT_EQ(Drawing(Play(two.Record(37, {2}).Record(43, {0, 0, 2, 2}).Done(), 2)), "gb\n");
+}
+
+TEST(MetafileFigures, ArcsToTheSameDirectionGoAllTheWayRound) {
+    auto emf = EmfBuilder(20, 20);
+    emf.Record(45, {2, 2, 16, 16, 30, 30, 50, 50});
+    const auto block = Play(emf.Done(), 20);
+    for (const auto& p : {Point{2, 9}, Point{9, 2}, Point{16, 9}, Point{9, 16}}) EXPECT_EQ(At(block, p.x, p.y), kBlack);
+}
+
+TEST(MetafileFigures, ManyClipsDoNotUseUpTheWork) {
+    auto emf = EmfBuilder(512, 512).Fill(0xFF);
+    for (int i = 0; i < 1000; ++i) emf.Record(29, {0, i / 2, 256, i / 2 + 1});
+    const auto block = Play(emf.Record(43, {0, 0, 512, 512}).Done(), 512);
+    EXPECT_EQ(At(block, 100, 100), kClear);
+    EXPECT_EQ(At(block, 300, 100), kRed);
 }
 
 TEST(MetafileAreas, TrianglesAreShadedBetweenTheirCorners) {
@@ -275,7 +338,7 @@ DibBlock PlaySmall(ByteSpan file, const PictureRequest&, PictureFacts&) {
 }
 
 TEST(MetafileRecords, SurviveDamage) {
-    ExpectSurvivesDamage(PlaySmall, WithEmbedded(200, 2));
+    ExpectSurvivesDamage(PlaySmall, WithEmbedded(100, 2));
     auto emf = EmfBuilder(32, 32).Fill(0xFF);
     emf.Record(49, {2, 0x300 | 2 << 16, 0xFF, 0xFF00}).Record(48, {2}).Record(51, {2, 9}).Record(50, {2, 1, 1, 0xFF});
     emf.Record(72, kBounds + Words{48, 1, 1, 1, 32, 1, 1, 16, 0, 0, 9, 9, 2, 2, 20, 20}).Record(53, {9, 9, 0, 0});

@@ -175,9 +175,9 @@ TEST(Emf, FrameMappingModesAndTransforms) {
     // Each paints the square from (4, 4) to before (12, 12) of a picture of 16 x 16 that begins at (100, 50).
     const Words world = {FloatBits(0), FloatBits(2), FloatBits(-2), FloatBits(0), FloatBits(112), FloatBits(54)};
     Case cases[] = {
-        {"pixels", EmfBuilder(16, 16, 100, 50).Fill(0xFF).Record(43, {104, 54, 113, 63})},
+        {"pixels", EmfBuilder(16, 16, 100, 50).Fill(0xFF).Record(43, {104, 54, 112, 62})},
         {"tenths of millimetres, upwards",
-         EmfBuilder(16, 16, 100, 50).Fill(0xFF).Record(17, {2}).Record(43, {104, -54, 113, -63})},
+         EmfBuilder(16, 16, 100, 50).Fill(0xFF).Record(17, {2}).Record(43, {104, -54, 112, -62})},
         {"a window on a viewport", EmfBuilder(16, 16, 100, 50)
                                        .Fill(0xFF)
                                        .Record(17, {8})
@@ -224,7 +224,7 @@ TEST(Emf, FrameMappingModesAndTransforms) {
 
 TEST(Emf, EllipsesArcsAndClipsByPath) {
     auto file = EmfBuilder(32, 32).Fill(0xFF);
-    file.Record(42, {0, 0, 33, 33});
+    file.Record(42, {0, 0, 32, 32});
     const auto disc = Play(file.Done(), 32);
     int inside = 0;
     for (int i = 0; i < 32 * 32; ++i) inside += At(disc, i % 32, i / 32) == kRed;
@@ -233,7 +233,7 @@ TEST(Emf, EllipsesArcsAndClipsByPath) {
     EXPECT_EQ(At(disc, 1, 1), kClear);
 
     auto pie = EmfBuilder(32, 32).Fill(0xFF); // a quarter against the clock, from the right to the top
-    pie.Record(47, {0, 0, 33, 33, 32, 16, 16, 0});
+    pie.Record(47, {0, 0, 32, 32, 32, 16, 16, 0});
     const auto quarter = Play(pie.Done(), 32);
     EXPECT_EQ(At(quarter, 22, 8), kRed);
     for (const auto p : {Point{8, 8}, Point{8, 22}, Point{22, 22}}) EXPECT_EQ(At(quarter, p.x, p.y), kClear);

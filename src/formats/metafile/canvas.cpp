@@ -67,15 +67,19 @@ Canvas::Canvas(int width, int height, Rgb ground) : m_surface(width, height) {
     m_work = kLeastWork + kWorkPerPixel * static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
 }
 
-std::shared_ptr<ClipMask> Canvas::NewMask(const Clip& from) {
+std::shared_ptr<ClipMask> Canvas::NewMask(std::uint8_t value) {
+    // Whole masks are filled and copied faster than pixels are drawn.
+    constexpr std::size_t kPixelsOfAStep = 16;
     const auto pixels = static_cast<std::size_t>(Width()) * static_cast<std::size_t>(Height());
-    if (!Spend(pixels)) return nullptr;
+    if (!Spend(pixels / kPixelsOfAStep + 1)) return nullptr;
     auto mask = std::make_shared<ClipMask>();
-    if (from) {
-        mask->inside = from->inside;
-    } else {
-        mask->inside.assign(pixels, 1);
-    }
+    mask->inside.assign(pixels, value);
+    return mask;
+}
+
+std::shared_ptr<ClipMask> Canvas::CopyMask(const Clip& from) {
+    auto mask = NewMask(1);
+    if (mask && from) mask->inside = from->inside;
     return mask;
 }
 

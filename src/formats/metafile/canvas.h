@@ -55,8 +55,9 @@ public:
     [[nodiscard]] const Surface& Picture() const { return m_surface; }
 
     void SetClip(Clip clip) { m_clip = std::move(clip); }
-    /// A mask for `change` to fill, with the present clip in it; it becomes the clip. Null when the work is used up.
-    [[nodiscard]] std::shared_ptr<ClipMask> NewMask(const Clip& from);
+    /// A mask of this value everywhere, or like a clip. Null when the work is used up.
+    [[nodiscard]] std::shared_ptr<ClipMask> NewMask(std::uint8_t value);
+    [[nodiscard]] std::shared_ptr<ClipMask> CopyMask(const Clip& from);
 
     /// Takes from the allowance; false when it is used up, and from then on nothing is drawn.
     bool Spend(std::uint64_t steps);

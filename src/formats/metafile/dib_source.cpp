@@ -1,5 +1,7 @@
 #include "formats/metafile/dib_source.h"
 
+#include "formats/jpeg.h"
+#include "formats/png.h"
 #include "formats/reader_support.h"
 #include "pixel/visit_depth.h"
 
@@ -9,7 +11,7 @@ namespace pelorin::metafile {
 
 namespace {
 
-enum Compression : std::uint32_t { kPlain = 0, kRle8 = 1, kRle4 = 2, kMasks = 3 };
+enum Compression : std::uint32_t { kPlain = 0, kRle8 = 1, kRle4 = 2, kMasks = 3, kJpeg = 4, kPng = 5 };
 
 struct Header {
     int width = 0, height = 0, bits = 0;
@@ -29,22 +31,36 @@ void ReadMasks(ByteReader& in, Header& header) {
     }
 }
 
-void ReadTable(ByteReader& in, Header& header, std::uint32_t colors, bool triples, DibTable kind,
+// Blue, green, red.
+Rgb ReadTriple(ByteReader& in) {
+    const auto blue = in.U8(), green = in.U8(), red = in.U8();
+    return Rgb{red} << 16 | Rgb{green} << 8 | blue;
+}
+
+struct TableForm {
+    DibTable kind = DibTable::Colors;
+    bool apart = false; ///< the rows do not stand behind the table, which then may break off
+
+    [[nodiscard]] std::size_t EntrySize(bool triples) const { return kind == DibTable::Numbers ? 2 : triples ? 3 : 4; }
+};
+
+void ReadTable(ByteReader& in, Header& header, std::uint32_t colors, bool triples, const TableForm& form,
                const Palette& palette) {
-    const auto most = 1u << header.bits;
-    const auto count = colors == 0 || colors > most ? most : colors;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        switch (kind) {
+    const std::size_t most = std::size_t{1} << header.bits;
+    auto count = colors == 0 || colors > most ? most : colors;
+    if (form.apart) count = std::min(count, in.Left() / form.EntrySize(triples));
+    if (form.kind == DibTable::None) count = most;
+    for (std::size_t i = 0; i < count; ++i) {
+        switch (form.kind) {
         case DibTable::Numbers: header.table[i] = PaletteColor(palette, in.U16LE()); break;
         case DibTable::None: header.table[i] = PaletteColor(palette, i); break;
-        case DibTable::Colors:
-            header.table[i] = triples ? Rgb{in.U8()} | Rgb{in.U8()} << 8 | Rgb{in.U8()} << 16 : in.U32LE() & 0xFFFFFF;
+        case DibTable::Colors: header.table[i] = triples ? ReadTriple(in) : in.U32LE() & 0xFFFFFF;
         }
     }
 }
 
 // Afterwards `in` stands behind the table.
-bool ReadHeader(ByteReader& in, Header& header, DibTable kind, const Palette& palette) {
+bool ReadHeader(ByteReader& in, Header& header, const TableForm& form, const Palette& palette) {
     const auto size = in.U32LE();
     std::uint32_t colors = 0;
     std::int64_t height = 0;
@@ -73,11 +89,13 @@ bool ReadHeader(ByteReader& in, Header& header, DibTable kind, const Palette& pa
     }
     header.topDown = height < 0;
     if (header.topDown) height = -height;
-    if (!in.Ok() || !IsDibDepth(header.bits) || !IsPictureSize(header.width, height) || header.compression > kMasks)
+    if (!in.Ok() || (!IsDibDepth(header.bits) && header.compression <= kMasks) ||
+        !IsPictureSize(header.width, height) || header.compression > kPng)
         return false;
     header.height = static_cast<int>(height);
+    if (header.compression > kMasks) return true;
     if (header.bits <= 8) {
-        ReadTable(in, header, colors, size == 12, kind, palette);
+        ReadTable(in, header, colors, size == 12, form, palette);
     } else {
         in.Skip(std::uint64_t{colors} * 4);
     }
@@ -139,6 +157,11 @@ Bytes ExpandRuns(ByteReader in, const Header& header) {
     return indices;
 }
 
+DibBlock ReadJpegPlainly(ByteSpan file) {
+    PictureFacts facts;
+    return ReadJpeg(file, {}, facts);
+}
+
 Surface DecodeRuns(const ByteReader& in, const Header& header) {
     // Two bytes make at most 255 pixels; what is left out by moves is allowed for.
     const auto pixels = static_cast<std::uint64_t>(header.width) * static_cast<std::uint64_t>(header.height);
@@ -158,8 +181,12 @@ Surface DecodeRuns(const ByteReader& in, const Header& header) {
 Surface DecodeDib(ByteSpan headerBytes, ByteSpan rows, DibTable table, const Palette& palette) {
     ByteReader in(headerBytes);
     Header header;
-    if (!ReadHeader(in, header, table, palette)) return {};
+    if (!ReadHeader(in, header, {table, !rows.empty()}, palette)) return {};
     if (!rows.empty()) in = ByteReader(rows);
+    if (header.compression == kJpeg || header.compression == kPng) {
+        const auto file = in.Rest();
+        return SurfaceFromDIB(header.compression == kPng ? ReadPng(file) : ReadJpegPlainly(file));
+    }
     if (header.compression == kRle8 || header.compression == kRle4) return DecodeRuns(in, header);
     const auto bytes = in.Take(header.Stride() * static_cast<std::size_t>(header.height));
     if (!in.Ok()) return {};

@@ -7,8 +7,9 @@
 namespace pelorin::metafile {
 
 /// A bitmap from its header and table and its rows. Without `rows` these stand behind the table. 1, 4, 8, 16, 24 and 32
-/// bits, run lengths, masks, and both header kinds; the fourth byte is the one of 32-bit pixels, else 255. Empty when
-/// something is missing. The table may be numbers in the palette, or missing, the pixels then being these numbers.
+/// bits, run lengths, masks, JPEG and PNG files, and both header kinds; the fourth byte is the one of 32-bit pixels,
+/// else 255. Empty when something is missing. The table may be numbers in the palette, or missing, the pixels then
+/// being these numbers.
 enum class DibTable { Colors, Numbers, None };
 [[nodiscard]] Surface DecodeDib(ByteSpan header, ByteSpan rows, DibTable table = DibTable::Colors,
                                 const Palette& palette = {});

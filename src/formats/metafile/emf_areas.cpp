@@ -12,6 +12,12 @@ struct ContextBlit {
     Surface source;
 };
 
+// From the units of the source's place and size to its pixels; those of some writers are all 0.
+Transform ReadSourceTransform(ByteReader& in) {
+    const auto transform = ReadTransform(in);
+    return transform.Determinant() == 0 ? Transform{} : transform;
+}
+
 ContextBlit ReadContextBlit(Emf& emf, ByteReader& in, bool stretched) {
     ContextBlit blit;
     in.Skip(16);
@@ -19,10 +25,13 @@ ContextBlit ReadContextBlit(Emf& emf, ByteReader& in, bool stretched) {
     blit.area.size = blit.area.sourceSize = Read32(in);
     blit.operation = in.U32LE();
     blit.area.from = Read32(in);
-    in.Skip(24 + 4);
+    const auto toPixels = ReadSourceTransform(in);
+    in.Skip(4);
     const auto usage = in.U32LE();
     const auto places = DibPlaces::Read(in);
     if (stretched) blit.area.sourceSize = Read32(in);
+    blit.area.from = toPixels.Apply(blit.area.from);
+    blit.area.sourceSize = toPixels.ApplyVector(blit.area.sourceSize);
     if (in.Ok()) blit.source = places.Decode(emf, usage);
     return blit;
 }
@@ -88,11 +97,14 @@ void MaskBlt(Emf& emf, ByteReader& in) {
 void PlgBlt(Emf& emf, ByteReader& in) {
     in.Skip(16);
     const auto a = Read32(in), b = Read32(in), c = Read32(in), from = Read32(in), size = Read32(in);
-    in.Skip(24 + 4);
+    const auto toPixels = ReadSourceTransform(in);
+    in.Skip(4);
     const auto usage = in.U32LE();
     const auto places = DibPlaces::Read(in);
     const auto mask = ReadMask(emf, in);
-    if (in.Ok()) emf.painter.SlantedBlit({a, b, c}, from, size, places.Decode(emf, usage), mask);
+    if (in.Ok())
+        emf.painter.SlantedBlit({a, b, c}, toPixels.Apply(from), toPixels.ApplyVector(size), places.Decode(emf, usage),
+                                mask);
 }
 
 void AlphaBlend(Emf& emf, ByteReader& in) {

@@ -29,17 +29,21 @@ void CreatePen(Emf& emf, ByteReader& in) {
     emf.painter.SetObject(index, MakePen(style, width, emf.Color(in)));
 }
 
+// Number, the places of a bitmap, style, width, the brush's kind, colour and hatch, and the lengths of dashes.
 void ExtCreatePen(Emf& emf, ByteReader& in) {
+    constexpr std::uint32_t kGeometric = 0x10000, kNoBrush = 1, kHatched = 2;
     const auto index = in.U32LE();
-    in.Skip(16);
-    const auto style = in.U32LE(), width = in.U32LE(), brush = in.U32LE();
+    const auto places = DibPlaces::Read(in);
+    const auto style = in.U32LE(), width = in.U32LE(), kind = in.U32LE();
     const auto color = emf.Color(in);
-    in.Skip(4);
-    const auto count = in.U32LE();
+    const auto hatch = in.U32LE(), count = in.U32LE();
     auto pen = MakePen(style, width, color);
-    constexpr std::uint32_t kGeometric = 0x10000;
     pen.cosmetic = (style & kGeometric) == 0;
-    pen.none = pen.none || brush == 1;
+    pen.none = pen.none || kind == kNoBrush;
+    if (kind == kHatched) pen.brush = MakeBrush(kind, color, hatch, emf.Now());
+    // The hatch of a brush from a bitmap says what its colour table is.
+    if (places.headerSize > 0)
+        pen.brush = MakePatternBrush(Charged(emf.painter.Target(), places.Decode(emf, hatch), 1));
     for (std::uint32_t i = 0; i < count && i < 16 && in.Left() >= 4; ++i) pen.lengths.push_back(in.U32LE());
     emf.painter.SetObject(index, std::move(pen));
 }
@@ -47,22 +51,24 @@ void ExtCreatePen(Emf& emf, ByteReader& in) {
 void CreateBrush(Emf& emf, ByteReader& in) {
     const auto index = in.U32LE(), style = in.U32LE();
     const auto color = emf.Color(in);
-    emf.painter.SetObject(index, MakeBrush(style, color, in.U32LE()));
+    emf.painter.SetObject(index, MakeBrush(style, color, in.U32LE(), emf.Now()));
 }
 
-// Of one bit a pixel: the colours of text and ground; or of any bitmap.
-void CreatePattern(Emf& emf, ByteReader& in, bool twoColors) {
+void CreatePattern(Emf& emf, ByteReader& in) {
     const auto index = in.U32LE(), usage = in.U32LE();
     const auto places = DibPlaces::Read(in);
-    auto picture = Charged(emf.painter.Target(), places.Decode(emf, usage), 1);
-    if (twoColors) {
-        for (int y = 0; y < picture.Height(); ++y) {
-            for (int x = 0; x < picture.Width(); ++x) {
-                picture.Put(x, y, (picture.At(x, y) & 0xFFFFFF) == 0 ? emf.Now().textColor : emf.Now().ground);
-            }
-        }
-    }
-    emf.painter.SetObject(index, MakePatternBrush(std::move(picture)));
+    emf.painter.SetObject(index, MakePatternBrush(Charged(emf.painter.Target(), places.Decode(emf, usage), 1)));
+}
+
+// The two numbers of its pixels stand for the colours of text and ground, whatever the table says.
+void CreateTwoColorPattern(Emf& emf, ByteReader& in) {
+    const auto index = in.U32LE();
+    in.Skip(4);
+    const auto places = DibPlaces::Read(in);
+    const auto numbers = std::make_shared<const std::vector<Rgb>>(std::vector<Rgb>{0, 0xFFFFFF});
+    auto picture = DecodeDib(emf.Part(places.header, places.headerSize), emf.Part(places.rows, places.rowsSize),
+                             DibTable::None, numbers);
+    emf.painter.SetObject(index, MakeTwoColorBrush(Charged(emf.painter.Target(), std::move(picture), 1), emf.Now()));
 }
 
 void CreateFont(Emf& emf, ByteReader& in) {
@@ -112,8 +118,8 @@ constexpr Row kRows[] = {
          e.painter.ResizePalette(index, in.U32LE());
      }},
     {82, CreateFont},
-    {93, [](Emf& e, ByteReader& in) { CreatePattern(e, in, true); }},
-    {94, [](Emf& e, ByteReader& in) { CreatePattern(e, in, false); }},
+    {93, CreateTwoColorPattern},
+    {94, CreatePattern},
     {95, ExtCreatePen},
 };
 

@@ -203,6 +203,7 @@ bool ReadEmfFacts(ByteSpan file, FileFacts& facts) {
 
 void PlayEmf(ByteSpan file, const FileFacts& facts, Painter& painter) {
     static const auto table = RecordTable();
+    painter.Now().advanced = true;
     ByteReader in(file);
     in.Seek(facts.firstRecord);
     while (!painter.Target().Exhausted()) {

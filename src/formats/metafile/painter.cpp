@@ -41,7 +41,10 @@ PointF MappingScale(const State& state, const Device& device) {
 } // namespace
 
 void Painter::Save() {
-    if (m_saved.size() < kMaxSaved) m_saved.push_back(m_now);
+    // Each state may keep a clip of its own.
+    constexpr std::size_t kMemory = std::size_t{1} << 28, kLeastSaved = 16;
+    const auto pixels = static_cast<std::size_t>(m_canvas.Width()) * static_cast<std::size_t>(m_canvas.Height());
+    if (m_saved.size() < std::clamp(kMemory / pixels, kLeastSaved, kMaxSaved)) m_saved.push_back(m_now);
 }
 
 void Painter::Restore(int level) {

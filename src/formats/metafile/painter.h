@@ -8,6 +8,7 @@
 #include "formats/metafile/state.h"
 
 #include <array>
+#include <span>
 
 namespace pelorin::metafile {
 
@@ -149,6 +150,8 @@ private:
     template <class Color>
     void Shade(const Figures& figures, Color&& color);
     [[nodiscard]] Figures RegionFigures(const RegionObject& region) const;
+    template <class Change>
+    void EachMaskSpan(ClipMask& mask, const Figures& figures, bool winding, Change&& change);
     [[nodiscard]] std::shared_ptr<ClipMask> MaskOf(const Figures& figures, bool winding);
     [[nodiscard]] Palette* PaletteAt(std::size_t index);
     void ReplacePalette(Palette& place, std::vector<Rgb> colors);

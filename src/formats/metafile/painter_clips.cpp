@@ -11,46 +11,59 @@ void Painter::ClearClip() {
     SetClip(m_now.outerClip);
 }
 
-std::shared_ptr<ClipMask> Painter::MaskOf(const Figures& figures, bool winding) {
-    auto mask = m_canvas.NewMask(nullptr);
-    if (!mask) return mask;
-    std::fill(mask->inside.begin(), mask->inside.end(), std::uint8_t{0});
+template <class Change>
+void Painter::EachMaskSpan(ClipMask& mask, const Figures& figures, bool winding, Change&& change) {
+    constexpr int kPixelsOfAStep = 4;
     const auto width = static_cast<std::size_t>(m_canvas.Width());
     ScanFigures(m_canvas, figures, winding, [&](int y, int left, int right) {
-        const auto row = mask->inside.begin() + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(y) * width);
-        std::fill(row + left, row + right, std::uint8_t{1});
+        if (!m_canvas.Spend(static_cast<std::uint64_t>(right - left) / kPixelsOfAStep)) return;
+        const auto start = static_cast<std::size_t>(y) * width + static_cast<std::size_t>(left);
+        change(start, std::span(mask.inside).subspan(start, static_cast<std::size_t>(right - left)));
     });
+}
+
+std::shared_ptr<ClipMask> Painter::MaskOf(const Figures& figures, bool winding) {
+    auto mask = m_canvas.NewMask(0);
+    if (mask)
+        EachMaskSpan(*mask, figures, winding,
+                     [](std::size_t, std::span<std::uint8_t> span) { std::ranges::fill(span, std::uint8_t{1}); });
     return mask;
 }
 
 void Painter::ChangeClip(const Figures& figures, Combination how, bool winding) {
+    const auto old = m_now.clip;
+    const bool fresh = how == Combination::And || how == Combination::Copy;
+    auto result = fresh ? m_canvas.NewMask(0) : m_canvas.CopyMask(old);
+    if (!result) return;
     // A clip is not drawn.
     const auto reached = m_canvas.Reached();
-    const auto inside = MaskOf(figures, winding);
-    m_canvas.SetReached(reached);
-    auto result = m_canvas.NewMask(m_now.clip);
-    if (!inside || !result) return;
-    const auto* outer = m_now.outerClip.get();
-    for (std::size_t i = 0; i < result->inside.size(); ++i) {
-        auto& old = result->inside[i];
-        const auto add = inside->inside[i];
+    EachMaskSpan(*result, figures, winding, [&](std::size_t start, std::span<std::uint8_t> span) {
         switch (how) {
-        case Combination::And: old &= add; break;
-        case Combination::Or: old |= add; break;
-        case Combination::Xor: old ^= add; break;
-        case Combination::Diff: old = old && !add; break;
-        case Combination::Copy: old = add; break;
+        case Combination::And:
+            if (old) {
+                std::copy_n(&old->inside[start], span.size(), span.begin());
+                break;
+            }
+            [[fallthrough]];
+        case Combination::Copy:
+        case Combination::Or: std::ranges::fill(span, std::uint8_t{1}); break;
+        case Combination::Xor:
+            for (auto& pixel : span) pixel ^= 1;
+            break;
+        case Combination::Diff: std::ranges::fill(span, std::uint8_t{0}); break;
         }
-        if (outer) old &= outer->inside[i];
-    }
+    });
+    m_canvas.SetReached(reached);
+    const auto* outer = m_now.outerClip.get();
+    for (std::size_t i = 0; outer && i < result->inside.size(); ++i) result->inside[i] &= outer->inside[i];
     SetClip(std::move(result));
 }
 
 void Painter::OffsetClip(PointF by) {
     if (!m_now.clip) return;
     const auto shift = ToPixel(ToCanvas().ApplyVector(by));
-    auto moved = m_canvas.NewMask(m_now.clip);
-    if (!moved) return;
+    auto moved = m_canvas.NewMask(0);
+    if (!moved || !m_canvas.Spend(moved->inside.size())) return;
     const int width = m_canvas.Width(), height = m_canvas.Height();
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
@@ -111,7 +124,7 @@ void Painter::FrameRegion(const RegionObject& region, const Ink& ink, PointF thi
             for (auto& point : figure.points) point = {point.x + shift.x, point.y + shift.y};
         }
         const auto mask = MaskOf(moved, true);
-        if (!mask || !inner) return;
+        if (!mask || !inner || !m_canvas.Spend(mask->inside.size())) return;
         auto both = std::make_shared<ClipMask>(*inner);
         for (std::size_t i = 0; i < both->inside.size(); ++i) both->inside[i] &= mask->inside[i];
         inner = both;

@@ -147,6 +147,8 @@ void Painter::Arc(ArcKind kind, PointF a, PointF b, PointF start, PointF end) {
     };
     const double from = angle(start);
     double sweep = angle(end) - from;
+    // The same direction twice goes all the way round.
+    if (std::abs(sweep) < 1e-9) sweep = 0;
     if (m_now.clockwise) {
         if (sweep >= 0) sweep -= 2 * kPi;
     } else if (sweep <= 0) {
@@ -267,7 +269,7 @@ void Painter::Stroke(const Figures& figures) {
     if (pen.none) return;
     const auto style = WideStyleOf(pen);
     if (style.width < kThinnestWide) return StrokeThin(figures);
-    const Ink ink{Ink::Kind::Solid, pen.color};
+    const Ink ink = pen.brush.kind == Ink::Kind::None ? Ink{Ink::Kind::Solid, pen.color} : Dressed(pen.brush);
     for (const auto& figure : figures) {
         for (const auto& part : Pieces(figure, style.dashes.empty())) {
             const auto outline = WidenFigure(part, style);

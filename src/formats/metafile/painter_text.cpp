@@ -6,7 +6,7 @@ namespace pelorin::metafile {
 namespace {
 
 constexpr double kDefaultHeight = 16, kPlainPen = 1.0, kBoldPen = 2.0, kSlant = 0.2;
-constexpr double kThinnestWide = 1.5;
+constexpr double kThinnestWide = 1.5, kFaint = 0.4;
 constexpr double kUnderlineAt = -1.6, kStrikeOutAt = 3.5;
 // Letters are drawn closer than this share of their own width by no font.
 constexpr double kNarrowest = 0.4;
@@ -117,6 +117,11 @@ void Painter::DrawLetters(Figures strokes, double pen) {
     const auto state = m_now;
     m_now.pen = Pen{false, 0, 1, true, m_now.textColor};
     m_now.rop = kCopyPattern;
+    // Letters too small to be read are as light as thin ones would be.
+    if (pen < kFaint && !m_pathOpen) {
+        m_now.pen.lengths = {1, 1};
+        m_now.opaque = false;
+    }
     if (pen < kThinnestWide || m_pathOpen) {
         // A line leaves its last pixel out, which a letter needs.
         for (auto& figure : strokes) {

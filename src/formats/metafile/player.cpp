@@ -26,12 +26,21 @@ Pen MakePen(std::uint32_t style, double width, Rgb color) {
     return pen;
 }
 
-Ink MakeBrush(std::uint32_t style, Rgb color, std::uint32_t hatch) {
-    Ink ink{Ink::Kind::Solid, color};
-    if (style == 1) ink.kind = Ink::Kind::None;
-    if (style == 2) ink.kind = Ink::Kind::Hatch;
-    ink.hatch = static_cast<int>(hatch % 6);
-    return ink;
+Ink MakeBrush(std::uint32_t style, Rgb color, std::uint32_t hatch, const State& state) {
+    constexpr std::uint32_t kNoBrush = 1, kHatched = 2, kHatches = 6;
+    if (style == kHatched && hatch < kHatches) return {Ink::Kind::Hatch, color, static_cast<int>(hatch)};
+    if (style == kHatched && hatch >= kHatches + 2) color = hatch < kHatches + 4 ? state.textColor : state.ground;
+    return {style == kNoBrush ? Ink::Kind::None : Ink::Kind::Solid, color};
+}
+
+Ink MakeTwoColorBrush(Surface numbers, const State& state) {
+    for (int y = 0; y < numbers.Height(); ++y) {
+        for (int x = 0; x < numbers.Width(); ++x) {
+            const bool ground = (numbers.At(x, y) & 0xFFFFFF) != 0;
+            numbers.Put(x, y, 0xFF000000u | (ground ? state.ground : state.textColor));
+        }
+    }
+    return MakePatternBrush(std::move(numbers));
 }
 
 Ink MakePatternBrush(Surface picture) {

@@ -18,6 +18,7 @@ struct Pen {
     Cap cap = Cap::Round;
     Join join = Join::Round;
     std::vector<double> lengths{};
+    Ink brush{Ink::Kind::None}; ///< of wide lines, in place of the colour
 };
 
 struct Font {

@@ -20,7 +20,7 @@ void CreatePen(Wmf& wmf, ByteReader& in) {
 void CreateBrush(Wmf& wmf, ByteReader& in) {
     const auto style = in.U16LE();
     const auto color = wmf.Color(in);
-    wmf.painter.AddObject(MakeBrush(style, color, in.U16LE()));
+    wmf.painter.AddObject(MakeBrush(style, color, in.U16LE(), wmf.Now()));
 }
 
 // The kind of the brush, that of its colours, and the picture.
