@@ -4,6 +4,7 @@
 #include "cli/document_output.h"
 #include "cli/icon_input.h"
 #include "cli/output.h"
+#include "cli/picture_io.h"
 #include "cli/text_table.h"
 #include "containers/icl_doc.h"
 #include "containers/icon_conversion.h"
@@ -12,9 +13,9 @@
 #include "core/services.h"
 #include "core/settings.h"
 #include "core/temp_files.h"
-#include "formats/load_file.h"
 #include "formats/load_image.h"
 #include "icon/icon_doc.h"
+#include "icon/source_file.h"
 #include "platform/doors.h"
 
 #include <fmt/format.h>
@@ -36,12 +37,16 @@ IconConversion ConversionFor(const IconFileForm* form, const std::vector<IconFor
 }
 
 CIconGroup IconFromPicture(const std::string& file, const std::vector<IconFormat>& formats, bool macintosh) {
-    PictureFacts facts;
     auto making = StoredFromImageOptions(macintosh);
     if (!formats.empty()) making.formats = formats;
-    const auto picture = PrepareIconSource(LoadPicture(file, {}, facts), making.key);
-    if (!picture) throw FileException("this is neither a file that carries icons nor a picture that can be read");
-    auto made = CreateFormats(picture, making);
+    const SourceFile source(file);
+    RequireRenderer(source.Data());
+    const auto sourceFor = [&](Size size) {
+        auto picture = PrepareIconSource(source.Read(size), making.key);
+        if (!picture) throw FileException("this is neither a file that carries icons nor a picture that can be read");
+        return picture;
+    };
+    auto made = CreateFormats(source, sourceFor, {}, making);
     auto icon = GroupOf(made, g_bWinExplorerCompatibleOrder);
     icon.m_nInfo = macintosh ? 1 : 0;
     return icon;

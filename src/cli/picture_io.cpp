@@ -6,6 +6,7 @@
 #include "core/file_kinds.h"
 #include "formats/jpeg2000.h"
 #include "formats/load_image.h"
+#include "formats/svg.h"
 #include "pixel/depth.h"
 
 #include <fmt/format.h>
@@ -17,6 +18,7 @@ namespace pelorin::cli {
 namespace {
 
 [[noreturn]] void ThrowUnreadable(ByteSpan file, int kind) {
+    RequireRenderer(file);
     if (kind != kKindNone && !PictureFormatOfKind(kind))
         throw FileException("pictures are not read from files of this kind");
     const auto* format = FindPictureFormat(file, kind);
@@ -85,6 +87,7 @@ std::vector<ChoiceRow<std::optional<int>>> PictureFormatChoices() {
 void PictureInput::Declare(VerbSetup& setup) {
     setup.Number("--frame", frame, 1, 1 << 30, "frame or page of the file (default: 1)");
     setup.Option("--layer", layer, "N|NAME", "one layer of a layered file");
+    setup.Option("--box", box, "WxH", "the size that a drawing (SVG, WMF, EMF) is fitted into");
     setup.Flag("--composite", composite, "all layers together (the default)");
 }
 
@@ -95,6 +98,7 @@ DibBlock ReadPictureInput(Run& run, const std::string& file, const PictureInput&
     auto request = RequestOf(PictureSettings());
     request.progress = run.GetProgress();
     request.frame = input.frame - 1;
+    if (input.box != Size{}) request.box = input.box;
     request.keepIndices = input.keepIndices;
     if (!input.layer.empty()) return ReadLayer(view.Data(), kind, request, input.layer, facts);
     auto block = ReadPicture(view.Data(), kind, request, facts);
@@ -104,6 +108,11 @@ DibBlock ReadPictureInput(Run& run, const std::string& file, const PictureInput&
         throw FileException(fmt::format("there is no frame {}, the last is {}", input.frame, facts.frames));
     }
     ThrowUnreadable(view.Data(), kind);
+}
+
+void RequireRenderer(ByteSpan file) {
+    if (!CanDrawSvg() && IsSvg(file))
+        throw FileException("SVG pictures are drawn by librsvg, which is not installed (Debian: librsvg2-2)");
 }
 
 PictureFacts ReadPictureFacts(const std::string& file) {

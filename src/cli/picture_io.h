@@ -14,6 +14,7 @@ struct PictureInput {
     int frame = 1;
     std::string layer; ///< number from 1, or name; empty: the composite
     bool composite = false;
+    Size box{};               ///< what a drawing is fitted into; 0 x 0: its own size
     bool keepIndices = false; ///< as in `PictureRequest`
 
     void Declare(VerbSetup& setup);
@@ -22,6 +23,8 @@ struct PictureInput {
 /// The picture of the file, with what the reader told. Throws `FileException` with the reason when there is none.
 [[nodiscard]] DibBlock ReadPictureInput(Run& run, const std::string& file, const PictureInput& input,
                                         PictureFacts& facts);
+/// Throws what to install when the file is a drawing and nothing here draws one.
+void RequireRenderer(ByteSpan file);
 /// Only what the reader tells; a small picture is decoded where that is quicker.
 [[nodiscard]] PictureFacts ReadPictureFacts(const std::string& file);
 

@@ -1,12 +1,13 @@
 #include "base/text.h"
 #include "cli/output.h"
+#include "cli/picture_io.h"
 #include "cli/text_table.h"
 #include "cli/verb.h"
 #include "core/file_kinds.h"
 #include "core/settings.h"
-#include "formats/load_file.h"
 #include "icon/icon_doc.h"
 #include "icon/icon_file_forms.h"
+#include "icon/source_file.h"
 #include "icon/standard_formats.h"
 #include "pixel/depth.h"
 
@@ -94,14 +95,10 @@ FromImageOptions MakingOptions(const CreateOptions& options, const Run& run, con
     return making;
 }
 
-// The picture made ready for an icon; throws with what is wrong.
-DibBlock ReadSource(const std::string& path, const CreateOptions& options) {
-    if (EqualsNoCase(ExtensionOf(path), "svg")) {
-        throw FileException("SVG pictures cannot be drawn on the command line; save it as PNG and use that");
-    }
-    PictureFacts facts;
-    const auto file = FileView::Open(path);
-    auto picture = ReadPicture(file.Data(), GetFileKind(path), {}, facts);
+// The picture made ready for an icon, a scalable one for formats of `size`; throws with what is wrong.
+DibBlock ReadSource(const SourceFile& file, Size size, const CreateOptions& options) {
+    RequireRenderer(file.Data());
+    auto picture = file.Read(size);
     if (!picture) throw FileException("this is not a picture that can be read, or it is damaged");
     if (options.background) picture = ComposeTo24(picture, ColorRefFromRgb(options.background->Rgb()));
     picture = PrepareIconSource(std::move(picture), options.key ? ColorRefFromRgb(options.key->Rgb()) : kNoColor);
@@ -109,6 +106,7 @@ DibBlock ReadSource(const std::string& path, const CreateOptions& options) {
     return picture;
 }
 
+// The pictures that the command line names for single sizes.
 std::vector<SizeArt> ReadArt(const CreateOptions& options) {
     std::vector<SizeArt> art;
     for (const auto& text : options.perSize) {
@@ -118,7 +116,7 @@ std::vector<SizeArt> ReadArt(const CreateOptions& options) {
         ParseValue(std::string_view(text).substr(0, equals), own.size);
         const auto path = text.substr(equals + 1);
         try {
-            own.picture = ReadSource(path, options);
+            own.picture = ReadSource(SourceFile(path), own.size, options);
         } catch (const FileException& error) {
             throw FileException(fmt::format("{}: {}", path, error.what()));
         }
@@ -155,8 +153,9 @@ const IconFileForm& WantedForm(const CreateOptions& options, const std::string& 
 
 void CreateOne(Run& run, const std::string& picture, const CreateOptions& options, const FromImageOptions& making,
                std::span<const SizeArt> art, const IconFileForm& form) {
-    const auto source = ReadSource(picture, options);
-    auto formats = CreateFormats(source, art, making);
+    const SourceFile file(picture);
+    auto formats = CreateFormats(
+        file, [&](Size size) { return ReadSource(file, size, options); }, art, making);
     if (formats.empty()) throw FileException("no format could be made of this picture");
     auto group = GroupOf(formats, g_bWinExplorerCompatibleOrder);
     group.m_nInfo = options.macintosh ? 1 : 0;
@@ -194,6 +193,7 @@ VerbAction SetUpCreate(VerbSetup& setup) {
     setup.UsesCores();
     setup.Footer("Examples:\n"
                  "  pelorin-cli create logo.png -o logo.ico\n"
+                 "  pelorin-cli create logo.svg -o logo.icns\n"
                  "  pelorin-cli create photos/*.jpg -o icons/ --preset modern\n"
                  "  pelorin-cli create logo.png --per-size 16=small.png --formats 256x256x32,32x32x32,16x16x32");
     return [options](Run& run) {

@@ -1,12 +1,12 @@
 #include "cli/icon_input.h"
 #include "cli/output.h"
+#include "cli/picture_io.h"
 #include "cli/text_table.h"
 #include "cli/verb.h"
 #include "core/settings.h"
-#include "formats/load_file.h"
-#include "icon/from_image.h"
 #include "icon/group_formats.h"
 #include "icon/icon_file_forms.h"
+#include "icon/source_file.h"
 #include "icon/standard_formats.h"
 
 #include <fmt/format.h>
@@ -75,17 +75,29 @@ MakeFormatOptions Making(const FormatOptions& options, bool macintosh) {
     return making;
 }
 
-DibBlock ReadSquarePicture(const std::string& path) {
-    PictureFacts facts;
-    auto picture = PrepareIconSource(LoadPicture(path, {}, facts), kNoColor);
-    if (!picture) throw FileException(fmt::format("{}: this is not a picture that can be read", path));
-    return picture;
-}
+// The picture that new formats are made of: read once, or, when it is a drawing, drawn for each size.
+class FormatSource {
+public:
+    explicit FormatSource(const std::string& path) : m_path(path), m_file(path) { RequireRenderer(m_file.Data()); }
+
+    const DibBlock& For(const IconFormat& format) {
+        if (!m_picture || m_file.Scalable())
+            m_picture = PrepareIconSource(m_file.Read({format.width, format.height}), kNoColor);
+        if (!m_picture) throw FileException(fmt::format("{}: this is not a picture that can be read", m_path));
+        return m_picture;
+    }
+
+private:
+    std::string m_path;
+    SourceFile m_file;
+    DibBlock m_picture;
+};
 
 void AddFormats(CIconGroup& group, const FormatOptions& options) {
     const bool macintosh = group.m_nInfo != 0;
     const auto making = Making(options, macintosh);
-    const auto picture = options.picture.empty() ? DibBlock() : ReadSquarePicture(options.picture);
+    std::optional<FormatSource> picture;
+    if (!options.picture.empty()) picture.emplace(options.picture);
     const int source = options.from ? FindFormat(group, *options.from) : -1;
     if (options.from && source < 0) NoSuchFormat(group, *options.from);
     for (const auto& format : options.formats) {
@@ -96,8 +108,8 @@ void AddFormats(CIconGroup& group, const FormatOptions& options) {
             throw FileException(fmt::format("the image format \"{}\" already exists in this icon",
                                             FormatDescription(format.width, format.height, format.bits, macintosh)));
         }
-        const bool made =
-            picture ? PutFormat(group, format, picture, making) : AddFormatFromIcon(group, format, source, making);
+        const bool made = picture ? PutFormat(group, format, picture->For(format), making)
+                                  : AddFormatFromIcon(group, format, source, making);
         if (!made) throw FileException(fmt::format("the format {} cannot be made", NameOf(format)));
     }
 }
@@ -167,13 +179,14 @@ VerbAction SetUpFormatReplace(VerbSetup& setup) {
         if (options->formats.empty() || options->picture.empty())
             throw UsageError("--formats and --picture are both needed");
         ChangeIcon(run, *options, [&](CIconGroup& group) {
-            const auto picture = ReadSquarePicture(options->picture);
+            FormatSource picture(options->picture);
             for (const auto& format : options->formats) {
                 const int index = FindFormat(group, format);
                 if (index < 0) NoSuchFormat(group, format);
                 auto making = Making(*options, group.m_nInfo != 0);
                 making.compress = group.GetIcon(index)->m_bCompressed;
-                if (!PutFormat(group, format, picture, making)) throw FileException("the format cannot be made");
+                if (!PutFormat(group, format, picture.For(format), making))
+                    throw FileException("the format cannot be made");
             }
         });
     };

@@ -49,7 +49,8 @@ FileInfo Inspect(const std::string& path) {
     FileInfo info;
     info.bytes = view.Data().size();
     const auto* source = FindIconSource(view.Data(), kind);
-    info.typeName = LoadText(KindInfo(source ? source->kind : kind).typeName);
+    const int known = source ? source->kind : kind;
+    if (known != kKindNone) info.typeName = LoadText(KindInfo(known).typeName);
     if (!source) {
         InspectPicture(view.Data(), kind, info);
         return info;

@@ -11,6 +11,7 @@
 #include "formats/pcx.h"
 #include "formats/png.h"
 #include "formats/psd.h"
+#include "formats/svg.h"
 #include "formats/tga.h"
 #include "formats/tiff.h"
 #include "formats/vio.h"
@@ -39,6 +40,7 @@ std::deque<PictureFormat>& Formats() {
         {kKindWmf, "WMF", IsMetafile, ReadMetafile},
         {kKindTiff, "TIFF", IsTiff, ReadTiff},
         {kKindImageObject, "VIO", IsVio, ReadVio},
+        {kKindNone, "SVG", IsSvg, ReadSvg, true},
     };
     return formats;
 }

@@ -11,13 +11,15 @@
 namespace pelorin {
 
 struct PictureFormat {
-    /// File kind of the format's names.
+    /// File kind of the format's names; 0 for a format that is told by its content alone.
     int kind;
     /// For lists: "PNG".
     std::string_view name;
     /// True when the bytes are a file of the format, by signature; null where content tells nothing.
     bool (*matches)(ByteSpan file);
     PictureReader read;
+    /// The picture is drawn at any size with equal sharpness: `PictureRequest::box` says at which.
+    bool scalable = false;
 };
 
 /// Adds rows; they are asked after those that are built in. Called at start-up, before the first read.
