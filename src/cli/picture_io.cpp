@@ -98,7 +98,7 @@ DibBlock ReadPictureInput(Run& run, const std::string& file, const PictureInput&
     auto request = RequestOf(PictureSettings());
     request.progress = run.GetProgress();
     request.frame = input.frame - 1;
-    if (input.box != Size{}) request.box = input.box;
+    if (input.box != Size{}) request.box = request.drawnFor = input.box;
     request.keepIndices = input.keepIndices;
     if (!input.layer.empty()) return ReadLayer(view.Data(), kind, request, input.layer, facts);
     auto block = ReadPicture(view.Data(), kind, request, facts);

@@ -18,7 +18,7 @@ struct PictureFormat {
     /// True when the bytes are a file of the format, by signature; null where content tells nothing.
     bool (*matches)(ByteSpan file);
     PictureReader read;
-    /// The picture is drawn at any size with equal sharpness: `PictureRequest::box` says at which.
+    /// The picture is drawn at any size with equal sharpness: `PictureRequest::drawnFor` says at which.
     bool scalable = false;
 };
 

@@ -17,8 +17,10 @@ namespace pelorin {
 struct PictureRequest {
     /// A small picture is enough: JPEG, JPEG 2000 and metafile readers take their shortcuts.
     bool preview = false;
-    /// Box of a picture without a size of its own (metafiles); 0 x 0: the reader's default.
+    /// Box that metafiles are played in, which have no size in pixels of their own; 0 x 0: the reader's default.
     Size box{};
+    /// What a scalable picture (SVG) is drawn for: as large as fits; 0 x 0: its own size.
+    Size drawnFor{};
     /// Frame of an animated or multi-page file, from 0. A frame that is not there gives an empty block.
     int frame = 0;
     /// Layer of a layered file, from 0; -1: the composite. A layer that is not there gives an empty block.

@@ -104,8 +104,8 @@ DibBlock ReadSvg(ByteSpan file, const PictureRequest& request, PictureFacts& fac
     auto own = SvgSize(file);
     if (own == Size{}) own = kDefaultSize;
     if (own.width > kMaxSvgSide || own.height > kMaxSvgSide) own = Fitted(own, largest);
-    const bool boxGiven = request.box.width > 0 && request.box.height > 0;
-    const Size box{std::min(request.box.width, kMaxSvgSide), std::min(request.box.height, kMaxSvgSide)};
+    const bool boxGiven = request.drawnFor.width > 0 && request.drawnFor.height > 0;
+    const Size box{std::min(request.drawnFor.width, kMaxSvgSide), std::min(request.drawnFor.height, kMaxSvgSide)};
     const auto size = boxGiven ? Fitted(own, box) : own;
     if (!IsPictureSize(size.width, size.height)) return {};
 

@@ -12,8 +12,8 @@ namespace pelorin {
 /// False where the system has no library that draws them: `ReadSvg` then always fails.
 [[nodiscard]] bool CanDrawSvg();
 
-/// 32 bits with straight alpha: at the picture's own size, or, with `PictureRequest::box`, as large as fits into that.
-/// A picture that has no size is a square of 512. The facts tell its own size. Sides end at 8192.
+/// 32 bits with straight alpha: at the picture's own size, or, with `PictureRequest::drawnFor`, as large as fits into
+/// that. A picture that has no size is a square of 512. The facts tell its own size. Sides end at 8192.
 [[nodiscard]] DibBlock ReadSvg(ByteSpan file, const PictureRequest& request, PictureFacts& facts);
 
 } // namespace pelorin

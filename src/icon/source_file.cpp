@@ -14,7 +14,7 @@ DibBlock SourceFile::Read(Size size) const {
     // A program is no picture, whatever its bytes look like.
     if (m_kind != kKindNone && !PictureFormatOfKind(m_kind)) return {};
     PictureRequest request;
-    if (m_scalable) request.box = size;
+    if (m_scalable) request.drawnFor = size;
     PictureFacts facts;
     return ReadPicture(Data(), m_kind, request, facts);
 }

@@ -130,6 +130,8 @@ TEST_F(CreateVerbs, DrawingsAreDrawnForEachSize) {
     ASSERT_EQ(Run({"image", "logo.svg", "--box", "64", "-o", "d.png"}).exitCode, 0);
     const auto picture = ReadPng(FileView::Open(m_folder.Path("d.png")).Data());
     EXPECT_EQ(DIBWidth(picture), 64);
+    ASSERT_EQ(Run({"image", "logo.svg", "-o", "e.png"}).exitCode, 0);
+    EXPECT_EQ(DIBWidth(ReadPng(FileView::Open(m_folder.Path("e.png")).Data())), 16) << "else its own size";
     EXPECT_EQ(test::At(picture, 31, 9), 0xFFFF0000u);
 }
 

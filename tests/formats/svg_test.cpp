@@ -57,7 +57,7 @@ protected:
     }
     DibBlock Read(const Bytes& file, Size box = {}) {
         PictureRequest request;
-        request.box = box;
+        request.drawnFor = box;
         return ReadPicture(file, 0, request, m_facts);
     }
     PictureFacts m_facts;
