@@ -220,7 +220,10 @@ void AppendUtf8(std::string& out, char32_t c) {
 
 std::string_view ClipUtf8(std::string_view text, std::size_t maxBytes) {
     if (text.size() <= maxBytes) return text;
-    while (maxBytes > 0 && (static_cast<unsigned char>(text[maxBytes]) & 0xC0) == 0x80) --maxBytes;
+    // Bytes that are no text are not stepped over.
+    for (std::size_t back = 0; back < 4 && back <= maxBytes; ++back) {
+        if ((static_cast<unsigned char>(text[maxBytes - back]) & 0xC0) != 0x80) return text.substr(0, maxBytes - back);
+    }
     return text.substr(0, maxBytes);
 }
 

@@ -121,7 +121,7 @@ private:
 };
 
 IconGroups IconsForLibrary(Run& run, const std::string& file, const std::vector<IconFormat>& formats) {
-    auto icons = ImportIcons(file);
+    auto icons = ImportIcons(file, KindBy::Content);
     if (icons.empty()) {
         icons.push_back(std::make_unique<CIconGroup>(IconFromPicture(file, formats, false)));
         icons.back()->m_strName = StemOf(file);

@@ -32,7 +32,9 @@ PromptAnswer RunPrompt::Show(const Prompt& prompt) {
     }
     const auto& answer = m_run.Options().answer;
     for (const auto& row : kAnswers) {
-        if (answer && row.buttons == prompt.buttons) return *answer ? row.yes : row.no;
+        if (!answer || row.buttons != prompt.buttons) continue;
+        if (!*answer) m_told = line + " (--no)";
+        return *answer ? row.yes : row.no;
     }
     std::string options = "--yes or --no decides";
     for (const auto& [question, option] : m_options) {

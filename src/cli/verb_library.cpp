@@ -57,7 +57,7 @@ public:
             if (FindExecutableSignature(file.Data()).kind == ExecutableKind::None) {
                 throw FileException("this is not an icon library");
             }
-            const auto found = FindIcons(file.Data());
+            const auto found = FindLibraryIcons(file.Data());
             m_isProgram = GetFileKind(options.file) != kKindIconLibrary && !found.hasLibraryNames;
             // What is not read now would be gone with the next save.
             const bool lost = found.groups.empty() && !found.idTable.empty();
@@ -77,7 +77,7 @@ public:
         int imported = 0;
         for (const auto& path : m_options.rest) {
             m_run.Attempt(path, [&] {
-                auto icons = ImportIcons(path);
+                auto icons = ImportIcons(path, KindBy::Content);
                 if (icons.empty()) throw FileException("the file has no icons or is damaged");
                 const int count = static_cast<int>(icons.size());
                 document.Insert(position < 0 ? -1 : position + imported, std::move(icons));

@@ -123,7 +123,7 @@ FileView OpenProgram(const std::string& file) {
 
 IconGroups IconsFrom(const std::string& path) {
     try {
-        auto icons = LoadIconsOf(path);
+        auto icons = LoadIconsOf(path, KindBy::Content);
         if (icons.empty()) throw FileException("it holds no icons");
         return icons;
     } catch (const FileException& error) {

@@ -27,12 +27,11 @@ bool CFileExeDoc::OnOpenDocument(const std::string& path) {
     try {
         const auto file = FileView::Open(path);
         const auto found = FindIcons(file.Data(), m_bCanUpdate, GetServices().progress);
-        // The numbered names belong to the way of reading that knows every group by its number.
-        const bool named = found.mode == ProgramMode::Full || found.mode == ProgramMode::Restricted;
-        m_arrIcons = LoadIcons(found, named ? BaseName(path) : std::string(), m_pixels);
+        m_arrIcons = LoadIcons(found, BaseName(path), m_pixels);
         m_nMode = found.mode;
         m_arrIds.insert(found.idTable.begin(), found.idTable.end());
         m_arrUnreadIds = {found.unreadIds.begin(), found.unreadIds.end()};
+        m_arrUnreadGroupIds = {found.unreadGroupIds.begin(), found.unreadGroupIds.end()};
         KeepUndecoded(found);
         m_bComplete = found.complete;
         isProgram = PeImage::Parse(file.Data()).has_value();
@@ -59,9 +58,12 @@ void CFileExeDoc::KeepUndecoded(const IconResources& found) {
         for (const auto& image : icon->m_arrIcons) decoded.insert(image->m_nResourceId);
     }
     for (const auto& group : found.groups) {
+        bool any = false;
         for (const auto& image : group.images) {
+            any = any || decoded.contains(image.id);
             if (!decoded.contains(image.id)) m_arrUnreadIds.insert(image.id);
         }
+        if (!any) m_arrUnreadGroupIds.insert(group.id);
     }
 }
 
@@ -72,6 +74,7 @@ void CFileExeDoc::DeleteContents() {
     m_bComplete = true;
     m_arrIds.clear();
     m_arrUnreadIds.clear();
+    m_arrUnreadGroupIds.clear();
     m_arrDeletedGroups.clear();
     m_arrExtraData.clear();
     m_nExtraBytes = 0;
@@ -161,7 +164,7 @@ int CFileExeDoc::FindGroup(const ResourceKey& key, std::optional<int> language) 
 }
 
 int CFileExeDoc::FreeGroupId() const {
-    std::set<int> used;
+    auto used = m_arrUnreadGroupIds;
     for (const auto& icon : m_arrIcons) used.insert(icon->m_nResourceId);
     int id = 1;
     while (used.contains(id)) ++id;

@@ -82,7 +82,7 @@ private:
     ProgramMode m_nMode = ProgramMode::Full;
     bool m_bNoticeShown = false, m_bComplete = true;
     std::set<IdPair> m_arrIds;
-    std::set<int> m_arrUnreadIds;
+    std::set<int> m_arrUnreadIds, m_arrUnreadGroupIds;
     std::vector<std::pair<ResourceKey, int>> m_arrDeletedGroups; ///< key and language
     std::size_t m_nExtraBytes = 0;
     Bytes m_arrExtraData; ///< only when the updater does not keep it

@@ -30,7 +30,7 @@ bool CFileIclDoc::OnOpenDocument(const std::string& path) {
     try {
         const auto file = FileView::Open(path);
         m_form = FormOfLibrary(file.Data());
-        m_arrIcons = LoadIcons(FindIcons(file.Data(), true, GetServices().progress), {});
+        m_arrIcons = LoadIcons(FindLibraryIcons(file.Data(), GetServices().progress), {});
     } catch (const FileException& e) {
         GetServices().prompt->Tell(PromptIcon::Stop, str::kErrorReadingFile, path, e.what());
         return false;

@@ -22,15 +22,16 @@ bool CarriesIcons(int kind) {
 
 } // namespace
 
-IconGroups LoadIconsOf(const std::string& path) {
+IconGroups LoadIconsOf(const std::string& path, KindBy by) {
     IconGroups icons;
-    const int kind = GetFileKind(path);
-    if (!CarriesIcons(kind)) return icons;
+    int kind = GetFileKind(path);
+    if (by == KindBy::Name && !CarriesIcons(kind)) return icons;
     const auto file = FileView::Open(path);
-    if (kind == kKindIconLibrary || IsProgramKind(kind)) {
-        return LoadIcons(FindIcons(file.Data()), IsProgramKind(kind) ? StemOf(path) : std::string_view{});
-    }
     const auto* source = FindIconSource(file.Data(), kind);
+    if (by == KindBy::Content && source) kind = source->kind;
+    if (!CarriesIcons(kind)) return icons;
+    if (IsProgramKind(kind)) return LoadIcons(FindIcons(file.Data()), BaseName(path));
+    if (kind == kKindIconLibrary) return LoadIcons(FindLibraryIcons(file.Data()), {});
     if (!source) return icons;
     const auto take = [&](CIconGroup& group) {
         icons.push_back(std::make_unique<CIconGroup>(std::move(group)));
@@ -41,9 +42,9 @@ IconGroups LoadIconsOf(const std::string& path) {
     return icons;
 }
 
-IconGroups ImportIcons(const std::string& path) {
-    auto icons = LoadIconsOf(path);
-    const auto base = RaiseFirstLetter(StemOf(path));
+IconGroups ImportIcons(const std::string& path, KindBy by) {
+    auto icons = LoadIconsOf(path, by);
+    const auto base = path == "-" ? LoadText(str::kDefaultIconName) : RaiseFirstLetter(StemOf(path));
     for (std::size_t i = 0; i < icons.size(); ++i) {
         auto& name = icons[i]->m_strName;
         if (!name.empty()) continue;

@@ -87,11 +87,15 @@ struct IconResources {
     std::vector<IconGroupRef> groups;
     /// Id and language of every image, in the file's order.
     std::vector<std::pair<int, int>> idTable;
-    /// Images that a group names and that could not be read; a save must not take them for orphans.
+    /// Images that could not be read, although a group names them or the program fills them in; a save must not take
+    /// them for orphans.
     std::vector<int> unreadIds;
+    /// Numbers of groups of which no image could be read; new icons must not take them.
+    std::vector<int> unreadGroupIds;
     /// False when the reading ended early, because the images ask for more memory than makes sense.
     bool complete = true;
     bool hasLibraryNames = false;
+    bool hasNamePlace = true; ///< false: a 16-bit file whose header leads to no names, as that of a library does
 };
 
 /// Finds the icons of a 16-bit or 32-bit program file or library; none in a file that is neither, or damaged. Without

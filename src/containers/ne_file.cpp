@@ -85,7 +85,8 @@ IconResources FindIconsInNe(ByteSpan file, std::size_t header) {
     const auto table = WalkResourceTable(file, header + resources, icons, out);
     if (!table.ok) return out;
     std::vector<std::string> texts;
-    if (names != 0) texts = ReadNames(file, header + names, table.end);
+    out.hasNamePlace = names != 0;
+    if (out.hasNamePlace) texts = ReadNames(file, header + names, table.end);
     out.hasLibraryNames = !texts.empty();
     out.groups = icons.Finish(1, texts);
     return out;

@@ -38,7 +38,11 @@ std::unordered_map<int, std::vector<Candidate>> ImagesById(const ResourceTree& t
         auto& list = images[name.key.id];
         for (const auto& data : name.languages) {
             out.idTable.emplace_back(name.key.id, data.language);
-            list.push_back({data.language, data.bytes});
+            if (data.unheld.size == 0) {
+                list.push_back({data.language, data.bytes});
+            } else {
+                out.unreadIds.push_back(name.key.id);
+            }
         }
     }
     return images;
@@ -104,7 +108,11 @@ private:
                 icon.images.push_back(image);
             }
         }
-        if (!icon.images.empty()) m_out.groups.push_back(std::move(icon));
+        if (icon.images.empty()) {
+            if (!key.named) m_out.unreadGroupIds.push_back(key.id);
+        } else {
+            m_out.groups.push_back(std::move(icon));
+        }
         return true;
     }
 

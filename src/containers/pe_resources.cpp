@@ -148,6 +148,13 @@ private:
     }
     /// In an image with small alignment each byte stands in the file where it stands in memory, so nothing may move.
     [[nodiscard]] bool IsFlat() const { return m_image.SectionAlignment() < kPage; }
+    /// True when behind the last byte of a flat image there is room for more. Some linkers make images with small
+    /// alignment whose bytes stand elsewhere; no loader takes them, and there is no saying what to do with them.
+    [[nodiscard]] bool HasOpenEnd() const {
+        const auto stays = [](const PeSection& s) { return s.rawSize == 0 || s.rawOffset == s.virtualAddress; };
+        return std::ranges::all_of(m_image.Sections(), stays) &&
+               m_image.Sections().back().Memory().End() <= Align(m_image.RawEnd(), m_image.SectionAlignment());
+    }
     /// Some linkers count bytes of sections as headers too. Such a file must not become shorter, since loaders refuse
     /// headers that end behind it.
     [[nodiscard]] bool HeadersReachIntoSections() const { return m_headersEnd < m_image.SizeOfHeaders(); }
@@ -190,7 +197,8 @@ private:
     [[nodiscard]] bool FitsInPlace(std::size_t section) const {
         const auto& header = m_image.Sections()[section];
         if (header.rawSize == 0 || header.virtualAddress + m_size > NextAddress(section)) return false;
-        return !IsFlat() || m_size <= header.rawSize;
+        if (!IsFlat() || m_size <= header.rawSize) return true;
+        return section + 1 == m_image.Sections().size() && HasOpenEnd();
     }
 
     ResourceChange PlaceInSection(std::size_t section) {
@@ -201,8 +209,7 @@ private:
         auto rawSize = header.rawSize % unit == 0 ? Align(std::max<std::uint64_t>(m_size, 1), unit)
                        : m_size <= header.rawSize ? header.rawSize
                                                   : header.rawSize + Align(m_size - header.rawSize, unit);
-        if (IsFlat()) rawSize = header.rawSize;
-        if (HeadersReachIntoSections()) rawSize = std::max<std::uint64_t>(rawSize, header.rawSize);
+        if (IsFlat() || HeadersReachIntoSections()) rawSize = std::max<std::uint64_t>(rawSize, header.rawSize);
         // Loaders want each section to begin where the one before it ends, so only the last one may shrink.
         const auto memory = last ? m_size : std::max<std::uint64_t>(m_size, header.Memory().size);
 
@@ -219,14 +226,14 @@ private:
     }
 
     ResourceChange AddSection() {
-        if (IsFlat()) return ResourceChange::NoRoom;
-        if (m_image.Sections().size() >= 0xFFFF || !MakeHeaderRoom()) return ResourceChange::NoRoom;
-        const auto& last = m_image.Sections().back();
-        const auto address = Align(last.Memory().End(), m_image.SectionAlignment());
+        if (IsFlat() && !HasOpenEnd()) return ResourceChange::NoRoom;
+        if (m_image.Sections().size() >= kPeMaxSections || !MakeHeaderRoom()) return ResourceChange::NoRoom;
+        const std::uint64_t unit = m_image.FileAlignment(), end = m_image.RawEnd();
+        const auto memoryEnd = std::max(m_image.Sections().back().Memory().End(), IsFlat() ? end : 0);
+        const auto address = Align(memoryEnd, m_image.SectionAlignment());
         if (address + m_size > kMaxImage) return ResourceChange::TooLarge;
 
-        const std::uint64_t unit = m_image.FileAlignment(), end = m_image.RawEnd();
-        const auto rawOffset = Align(end, unit), rawSize = Align(m_size, unit);
+        const auto rawOffset = IsFlat() ? address : Align(end, unit), rawSize = Align(m_size, unit);
         Bytes bytes(static_cast<std::size_t>(rawOffset - std::min<std::uint64_t>(end, m_image.File().size())));
         const auto wholeSize = bytes.size() + static_cast<std::size_t>(rawSize);
         const auto tree = LayOutResourceTree(m_tree, static_cast<std::uint32_t>(address));
@@ -268,6 +275,7 @@ private:
         };
         if (!isZero(tableEnd, boundHere ? bound.address : needed) || !isZero(end, needed)) return false;
         if (needed > m_headersEnd) {
+            if (IsFlat()) return false;
             const auto grow = Align(needed - m_headersEnd, m_image.FileAlignment());
             const auto size = m_image.SizeOfHeaders() + grow;
             if (m_headersEnd != m_image.SizeOfHeaders() || size > m_image.Sections().front().virtualAddress)
@@ -292,7 +300,7 @@ private:
 
     /// The section stays where it is in memory, with nothing in the file.
     void EmptySection(std::size_t section) {
-        if (HeadersReachIntoSections()) return;
+        if (IsFlat() || HeadersReachIntoSections()) return;
         const auto& header = m_image.Sections()[section];
         const auto size = header.rawSize / m_image.FileAlignment() * m_image.FileAlignment();
         if (size != header.rawSize || header.Raw().End() > m_image.File().size()) return;
@@ -393,7 +401,7 @@ const char* DescribeResourceChange(ResourceChange change) {
     case ResourceChange::Signed: return "the file is signed, and a change would make the signature invalid";
     case ResourceChange::NotAnImage: return "this is not a program image that can be changed";
     case ResourceChange::Damaged: return "the file's sections or resources are damaged";
-    case ResourceChange::NoRoom: return "the file's headers have no room for another section";
+    case ResourceChange::NoRoom: return "the resources need more room, and the file cannot take another section";
     case ResourceChange::TooLarge: return "there are more resources than the file format can hold";
     }
     return "";

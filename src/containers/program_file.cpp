@@ -42,14 +42,22 @@ IconResources FindIcons(ByteSpan file, bool canUpdate, Progress* progress) {
     return found;
 }
 
+IconResources FindLibraryIcons(ByteSpan file, Progress* progress) {
+    auto found = FindIcons(file, true, progress);
+    if (!found.hasNamePlace) found.groups.clear();
+    return found;
+}
+
 std::vector<std::unique_ptr<CIconGroup>> LoadIcons(const IconResources& found, std::string_view baseName,
                                                    Pixels pixels) {
+    // The other ways of reading do not know every group by its number.
+    const bool named = found.mode == ProgramMode::Full || found.mode == ProgramMode::Restricted;
     std::vector<std::unique_ptr<CIconGroup>> icons;
     for (const auto& ref : found.groups) {
         auto icon = LoadIcon(ref, pixels);
         if (!icon) continue;
         // A group may go by an empty name; it must not be written under another one.
-        if (icon->m_strName.empty() && !baseName.empty() && ref.id >= 0) {
+        if (named && icon->m_strName.empty() && !baseName.empty() && ref.id >= 0) {
             icon->m_strName = FormatText(str::kNumberedIcon, baseName, static_cast<int>(icons.size() + 1));
         }
         icons.push_back(std::move(icon));

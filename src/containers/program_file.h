@@ -5,8 +5,11 @@
 
 namespace pelorin {
 
+/// What `FindIcons` gives of a library: no icons in a 16-bit file whose header leads to no names.
+[[nodiscard]] IconResources FindLibraryIcons(ByteSpan file, Progress* progress = nullptr);
+
 /// Decodes all icons. With `baseName` (that of a program file) an icon without a name gets "%s %03d" of it and its
-/// place among those that were kept, from 1.
+/// place among those that were kept, from 1, unless the file is only open for replacing.
 [[nodiscard]] std::vector<std::unique_ptr<CIconGroup>> LoadIcons(const IconResources& found, std::string_view baseName,
                                                                  Pixels pixels = Pixels::All);
 

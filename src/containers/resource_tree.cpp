@@ -56,10 +56,11 @@ const ResourceData* ResourceTree::Find(const ResourceKey& type, const ResourceKe
 
 void ResourceTree::Set(const ResourceKey& type, const ResourceKey& name, std::uint16_t language, ByteSpan bytes) {
     auto& languages = FindOrInsert(FindOrInsert(types, type).names, name).languages;
-    const ResourceData wanted{language, 0, 0, bytes};
+    const ResourceData wanted{language, 0, 0, bytes, {}};
     const auto at = std::lower_bound(languages.begin(), languages.end(), wanted, kByLanguage);
     if (at != languages.end() && at->language == language) {
         at->bytes = bytes;
+        at->unheld = {};
     } else {
         languages.insert(at, wanted);
     }

@@ -53,6 +53,8 @@ struct ResourceData {
     std::uint16_t language = 0;
     std::uint32_t codePage = 0, reserved = 0;
     ByteSpan bytes;
+    /// Set when the file does not hold the bytes: packers let an entry lead to memory that the program fills itself.
+    PeRange unheld = {};
 };
 
 struct ResourceName {

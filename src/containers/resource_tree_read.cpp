@@ -60,21 +60,33 @@ private:
     void AddLanguage(ResourceName& name, const Entry& entry) {
         ByteReader in = ByteReader(m_tree).Sub(entry.place, 16);
         const auto rva = in.U32LE(), size = in.U32LE();
-        ResourceData data{entry.key.id, in.U32LE(), in.U32LE(), {}};
+        ResourceData data{entry.key.id, in.U32LE(), in.U32LE(), {}, {}};
         if (!in.Ok() || entry.isDirectory || entry.key.named) {
             m_facts.whole = false;
             return;
         }
         // An empty resource may stand anywhere, also right behind the section's last byte.
         const auto offset = size == 0 ? std::optional(m_start) : m_image.FileOffset(rva, size);
-        if (!offset) {
+        if (offset) {
+            Use(*offset, size);
+            data.bytes = m_image.File().subspan(*offset, size);
+        } else if (IsMemoryOfAnother({rva, size})) {
+            data.bytes = m_tree.first(0);
+            data.unheld = {rva, size};
+        } else {
             m_facts.whole = false;
             return;
         }
         Use(m_start + entry.place, 16);
-        Use(*offset, size);
-        data.bytes = m_image.File().subspan(*offset, size);
         name.languages.push_back(data);
+    }
+
+    /// True when the range lies in the memory of one section, and not of that of the tree.
+    [[nodiscard]] bool IsMemoryOfAnother(const PeRange& range) const {
+        const int section = m_image.SectionAt(range.address);
+        if (section < 0) return false;
+        const auto& header = m_image.Sections()[static_cast<std::size_t>(section)];
+        return range.End() <= header.Memory().End() && !(header.rawSize != 0 && header.Raw().Contains(m_start));
     }
 
     bool IsDirectory(const Entry& entry) {

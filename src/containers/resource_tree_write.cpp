@@ -114,8 +114,11 @@ private:
         for (const auto& language : name.languages) {
             PutEntry(m_languages, language.language, static_cast<std::uint32_t>(m_entries));
             auto* p = At(m_entries);
-            StoreU32LE(p, m_rva + static_cast<std::uint32_t>(m_data));
-            StoreU32LE(p + 4, static_cast<std::uint32_t>(language.bytes.size()));
+            const PeRange held{m_rva + static_cast<std::uint32_t>(m_data),
+                               static_cast<std::uint32_t>(language.bytes.size())};
+            const auto& place = language.unheld.size != 0 ? language.unheld : held;
+            StoreU32LE(p, place.address);
+            StoreU32LE(p + 4, place.size);
             StoreU32LE(p + 8, language.codePage);
             StoreU32LE(p + 12, language.reserved);
             m_entries += 16;

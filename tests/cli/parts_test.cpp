@@ -131,15 +131,16 @@ TEST(RunPrompt, QuestionsAreAnsweredByOptionsOrSayWhichDoes) {
         std::optional<bool> answer;
         PromptButtons buttons;
         PromptAnswer expected;
-        bool fails;
+        const char* reason;
     };
+    const char* const open = "Really? (--yes or --no decides)";
     const Case cases[] = {
-        {true, PromptButtons::YesNoCancel, PromptAnswer::Yes, false},
-        {false, PromptButtons::YesNo, PromptAnswer::No, false},
-        {true, PromptButtons::OkCancel, PromptAnswer::Ok, false},
-        {true, PromptButtons::AbortRetryIgnore, PromptAnswer::Ignore, false},
-        {{}, PromptButtons::YesNo, PromptAnswer::No, true},
-        {{}, PromptButtons::AbortRetryIgnore, PromptAnswer::Abort, true},
+        {true, PromptButtons::YesNoCancel, PromptAnswer::Yes, ""},
+        {false, PromptButtons::YesNo, PromptAnswer::No, "Really? (--no)"},
+        {true, PromptButtons::OkCancel, PromptAnswer::Ok, ""},
+        {true, PromptButtons::AbortRetryIgnore, PromptAnswer::Ignore, ""},
+        {{}, PromptButtons::YesNo, PromptAnswer::No, open},
+        {{}, PromptButtons::AbortRetryIgnore, PromptAnswer::Abort, open},
     };
     for (const auto& c : cases) {
         CommonOptions options;
@@ -147,7 +148,7 @@ TEST(RunPrompt, QuestionsAreAnsweredByOptionsOrSayWhichDoes) {
         pelorin::cli::Run run(options);
         RunPrompt prompt(run);
         EXPECT_EQ(prompt.ShowText(1, "Really?", PromptIcon::Question, c.buttons), c.expected);
-        EXPECT_EQ(prompt.Reason(""), c.fails ? "Really? (--yes or --no decides)" : "");
+        EXPECT_EQ(prompt.Reason(""), c.reason);
     }
 }
 

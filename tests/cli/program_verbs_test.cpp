@@ -123,6 +123,18 @@ TEST_F(ContainerVerbs, AProgramGetsChangesAndLosesIcons) {
     }
 }
 
+TEST_F(ContainerVerbs, IconsAreTakenFromFilesOfAnyName) {
+    PutProgram("p.exe");
+    PutIcon("a.ico", {k16}, 1);
+    PutIcon("b.ico", {k32}, 2);
+    WriteFileSafely(m_folder.Path("icons.dat"), Get("a.ico"));
+    WriteFileSafely(m_folder.Path("picture.png"), Get("b.ico"));
+    EXPECT_EQ(Run({"program", "add", "p.exe", "icons.dat", "picture.png", "--in-place"}).exitCode, 0);
+    WriteFileSafely(m_folder.Path("program.bin"), Get("p.exe"));
+    EXPECT_EQ(Run({"library", "create", "l.icl", "icons.dat", "program.bin"}).exitCode, 0);
+    EXPECT_THAT(IconNames("l.icl"), ElementsAre("Icons", "program 001", "program 002"));
+}
+
 TEST_F(ContainerVerbs, WhatCannotBeMeantIsRefused) {
     PutProgram("p.exe");
     PutIcon("a.ico", {k16}, 1);
@@ -210,6 +222,8 @@ TEST_F(ContainerVerbs, ASignedProgramNeedsAWord) {
     const auto refused = Run({"program", "replace", "p.exe", "1", "a.ico", "--in-place"});
     EXPECT_EQ(refused.exitCode, 1);
     EXPECT_THAT(refused.err, HasSubstr("--drop-signature"));
+    EXPECT_THAT(Run({"program", "replace", "p.exe", "1", "a.ico", "--in-place", "--no"}).err,
+                HasSubstr("and continue? (--no)"));
     EXPECT_EQ(Get("p.exe"), file);
     EXPECT_EQ(Run({"program", "replace", "p.exe", "1", "a.ico", "--in-place", "--drop-signature"}).exitCode, 0);
     EXPECT_FALSE(IsSigned(PeImage::Parse(Get("p.exe")).value()));

@@ -192,6 +192,33 @@ TEST(ExeDoc, ANameThatIsNoTextStaysUnitForUnit) {
     EXPECT_TRUE(tree.Find(kResourceGroupIcon, ResourceKey(std::u16string(u"\u00C9\xD800")), 0)) << "capitals";
 }
 
+// Packers leave images and groups to the program that unpacks itself; they are none of ours, and not to be lost.
+TEST(ExeDoc, ImagesAndGroupsThatTheFileDoesNotHoldStay) {
+    auto builder = SampleIcons();
+    builder.Image(6, 0, k16);
+    builder.Group(1, 0, {{6, k16}});
+    auto file = builder.File();
+    const auto image = PeImage::Parse(file).value();
+    const auto& section = image.Sections()[1];
+    const auto tree = ReadResourceTree(image);
+    StoreU32LE(file.data() + image.SectionTableOffset() + 8, 0x1000);
+    for (const auto& [type, id] : {std::pair(kResourceIcon, 6), {kResourceIcon, 9}, {kResourceGroupIcon, 1}}) {
+        const auto& data = tree.Find(type)->Find(static_cast<std::uint16_t>(id))->languages.front().bytes;
+        const auto rva =
+            static_cast<std::uint32_t>(data.data() - file.data()) - section.rawOffset + section.virtualAddress;
+        auto* entry = file.data() + section.rawOffset;
+        while (LoadU32LE(entry) != rva) entry += 4;
+        StoreU32LE(entry, image.Sections()[0].virtualAddress + 0x400);
+    }
+    Opened o(file);
+    ASSERT_EQ(o.document.GetCount(), 2);
+    EXPECT_EQ(o.document.FreeGroupId(), 2);
+    ASSERT_TRUE(o.document.ReplaceIcon(0, *MakeIcon("", {k16, k48})));
+    ASSERT_TRUE(o.document.OnSaveDocument(o.path));
+    EXPECT_EQ(o.Ids(kResourceIcon), (std::vector<int>{1, 2, 3, 4, 5, 6, 9}));
+    EXPECT_EQ(o.Ids(kResourceGroupIcon), (std::vector<int>{-1, 1, 7}));
+}
+
 TEST(ExeDoc, AnEditedIconKeepsTheNumbersOfItsFormats) {
     Opened o(SampleIcons().File());
     // One format was removed in the editor, one added: the freed number is taken again.

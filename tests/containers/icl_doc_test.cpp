@@ -110,6 +110,17 @@ TEST(IclView, ImportNamesAfterTheFile) {
     EXPECT_EQ(library.Names(), (Names{"x", "Ball.three 1", "Own", "Ball.three 3", "y"}));
     EXPECT_TRUE(library.prompt.Shown().empty());
 
+    // A 16-bit program knows no names of icons, and there is no library without a place for them.
+    WriteLibraryNe(folder / "old.icl", test::Pointers(three));
+    auto old = ReadBytes(folder / "old.icl");
+    StoreU16LE(old.data() + 0x90 + 0x26, 0);
+    WriteFileSafely(folder / "old.icl", old);
+    WriteFileSafely(folder / "old.exe", old);
+    EXPECT_TRUE(LoadIconsOf(folder / "old.icl").empty());
+    EXPECT_TRUE(library.view.Import({folder / "old.exe"}, 0));
+    EXPECT_EQ(library.Names(), (Names{"Old 1", "Old 2", "Old 3", "x", "Ball.three 1", "Own", "Ball.three 3", "y"}));
+    EXPECT_TRUE(library.view.Delete());
+
     EXPECT_FALSE(library.view.Import({folder / "empty.icl"}));
     EXPECT_EQ(library.prompt.Shown().back().text, "The specified file does not contains icons or is invalid");
     EXPECT_TRUE(library.view.Import({folder / "none.ico", folder / "ball.ico", folder / "empty.icl"}));

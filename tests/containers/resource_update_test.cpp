@@ -25,9 +25,11 @@ ResourceTree SampleTree() {
 }
 
 /// .text, .rsrc, and with `behind` a .reloc that holds a block for .text.
-PeSpec SampleSpec(bool is64Bit, bool behind) {
+PeSpec SampleSpec(bool is64Bit, bool behind, std::uint32_t unit = 0, std::uint32_t sizeOfHeaders = 0x400) {
     PeSpec spec;
     spec.is64Bit = is64Bit;
+    spec.sizeOfHeaders = sizeOfHeaders;
+    if (unit != 0) spec.fileAlignment = spec.sectionAlignment = unit;
     spec.sections.push_back({".text", SomeBytes(700), 0x60000020});
     test::AddResources(spec, SampleTree());
     if (behind) {
@@ -265,6 +267,61 @@ TEST(ReplaceResources, MakesRoomForASectionHeader) {
                                changed.file.begin() + bound.address));
         ExpectSound(changed.Image());
     }
+}
+
+// Drivers and boot loaders: a byte stands in the file where it stands in memory.
+TEST(ReplaceResources, AFlatImageGrowsAtItsEndAlone) {
+    for (const bool behind : {false, true}) {
+        auto spec = SampleSpec(true, behind, 0x20);
+        spec.tail = SomeBytes(333, 2);
+        const auto file = BuildPe(spec);
+        const auto changed = AddOne(file, SomeBytes(50000, 3));
+        ASSERT_EQ(changed.result, ResourceChange::Done);
+        const auto after = changed.Image();
+        ExpectSound(after);
+        ExpectSampleTree(ReadResourceTree(after));
+        EXPECT_EQ(after.Sections().size(), behind ? 4u : 2u);
+        for (const auto& section : after.Sections()) EXPECT_EQ(section.rawOffset, section.virtualAddress);
+        EXPECT_TRUE(std::equal(spec.tail.rbegin(), spec.tail.rend(), changed.file.rbegin()));
+        EXPECT_EQ(after.RawEnd() + spec.tail.size(), changed.file.size());
+        EXPECT_EQ(AddOne(changed.file, SomeBytes(70000)).result, ResourceChange::Done) << "and once more";
+
+        auto elsewhere = file;
+        StoreU32LE(elsewhere.data() + PeImage::Parse(file).value().SectionTableOffset() + 20,
+                   spec.sizeOfHeaders - 0x20);
+        EXPECT_EQ(AddOne(elsewhere, SomeBytes(50000, 3)).result, ResourceChange::NoRoom);
+    }
+    const auto full = SampleSpec(true, true, 0x20, 0x200); // 0x188 + 3 x 40 = 0x200
+    EXPECT_EQ(AddOne(BuildPe(full), SomeBytes(50000)).result, ResourceChange::NoRoom);
+}
+
+// Packers leave entries for what they unpack in memory.
+TEST(ReplaceResources, EntriesForMemoryThatTheFileDoesNotHoldStay) {
+    auto file = BuildPe(SampleSpec(false, true));
+    const auto image = PeImage::Parse(file).value();
+    const auto version = ReadResourceTree(image).Find(16, 1, 1031)->bytes;
+    const auto& section = image.Sections()[1];
+    const auto rva =
+        static_cast<std::uint32_t>(version.data() - file.data()) - section.rawOffset + section.virtualAddress;
+    auto* entry = file.data() + section.rawOffset;
+    while (LoadU32LE(entry) != rva) entry += 4;
+    const auto unheld = image.Sections()[0].virtualAddress + 0x800;
+    StoreU32LE(entry, unheld);
+    EXPECT_EQ(AddOne(file, kText).result, ResourceChange::Damaged) << "behind the section's memory";
+    StoreU32LE(file.data() + image.SectionTableOffset() + 8, 0x1000);
+    for (const std::size_t added : {40, 50000}) {
+        const auto changed = AddOne(file, SomeBytes(added));
+        ASSERT_EQ(changed.result, ResourceChange::Done);
+        ExpectSound(changed.Image());
+        const auto tree = ReadResourceTree(changed.Image());
+        const auto* data = tree.Find(16, 1, 1031);
+        ASSERT_TRUE(data);
+        EXPECT_EQ(data->unheld.address, unheld);
+        EXPECT_EQ(data->unheld.size, kVersion.size());
+        EXPECT_TRUE(tree.Find(24, 1, 1033)->unheld.size == 0);
+    }
+    StoreU32LE(entry, section.virtualAddress + section.rawSize);
+    EXPECT_EQ(AddOne(file, kText).result, ResourceChange::Damaged) << "the memory of the resources themselves";
 }
 
 TEST(ReplaceResources, HeadersThatReachIntoSectionsStillEndInsideTheFile) {
