@@ -3,7 +3,9 @@
 #include "app/picture_settings.h"
 #include "base/text.h"
 #include "cli/output.h"
+#include "cli/suggestion.h"
 #include "core/file_kinds.h"
+#include "core/strings.h"
 #include "formats/jpeg2000.h"
 #include "formats/load_image.h"
 #include "formats/svg.h"
@@ -45,8 +47,8 @@ DibBlock ReadLayer(ByteSpan file, int kind, PictureRequest request, const std::s
     request.layer = FindLayer(facts.layers, wanted);
     if (facts.layers.empty()) throw FileException("it has no layers");
     if (request.layer < 0)
-        throw FileException(
-            fmt::format("there is no layer \"{}\", the file has {}", Printable(wanted), facts.layers.size()));
+        throw FileException(fmt::format("there is no layer \"{}\", the file has {}{}", Printable(wanted),
+                                        facts.layers.size(), DidYouMean(wanted, facts.layers)));
     auto block = ReadPicture(file, kind, request, facts);
     if (!block) throw FileException(fmt::format("the layer \"{}\" is empty", Printable(wanted)));
     return block;
@@ -66,6 +68,17 @@ PictureSaveOptions SaveOptions(Run& run, const PictureOutput& output, const DibB
     if (output.lossy)
         options.jp2Rate = Jpeg2000Rate(*output.lossy, view.Stride() * static_cast<std::uint64_t>(view.Height()));
     return options;
+}
+
+// Depth in the file of a block of so many bits.
+int WrittenBits(int kind, int bits) {
+    switch (kind) {
+    case kKindGif: return std::min(bits, 8);
+    case kKindPsd: return 32;
+    case kKindJpeg:
+    case kKindJpeg2000: return std::max(bits, 24);
+    default: return bits;
+    }
 }
 
 } // namespace
@@ -154,10 +167,12 @@ int PictureOutput::KindFor(const Run& run, const std::string& input, bool severa
     return PictureSaverOfKind(GetFileKind(input)) && toFile ? int{GetFileKind(input)} : int{kKindPng};
 }
 
-std::string WritePictureOutput(Run& run, const std::string& input, std::string_view suffix, const DibBlock& picture,
-                               const PictureOutput& output, bool several, const PictureFacts& facts) {
+void WritePictureOutput(Run& run, const std::string& input, std::string_view suffix, const DibBlock& picture,
+                        const PictureOutput& output, bool several, const PictureFacts& facts) {
     const auto* saver = PictureSaverOfKind(output.KindFor(run, input, several));
     const auto path = OutputPath(run, input, suffix, saver->extension, several);
+    if (facts.kind == kKindPsd && facts.layers.size() > 1 && SameFile(path, input))
+        throw FileException(LoadText(str::kLayeredPsdNotWritten));
     auto options = SaveOptions(run, output, picture);
     options.extension = ExtensionOf(path);
     const bool keyed = facts.transparentIndex >= 0 && DIBBitCount(picture) == 8;
@@ -177,7 +192,9 @@ std::string WritePictureOutput(Run& run, const std::string& input, std::string_v
     if (code != 0 || file.empty())
         throw FileException(fmt::format("it cannot be written as {} (error code {})", saver->name, code));
     WriteOutput(run, path, file);
-    return path;
+    if (run.Options().dryRun || path == "-") return;
+    run.Note(fmt::format("{}  {}x{}, {} bits", Printable(path), DIBWidth(picture), DIBHeight(picture),
+                         WrittenBits(saver->kind, DIBBitCount(converted ? converted : picture))));
 }
 
 } // namespace pelorin::cli

@@ -1,7 +1,12 @@
 #include "base/files.h"
+#include "base/text.h"
 #include "cli/icon_conversion.h"
+#include "cli/output.h"
 #include "cli/picture_io.h"
+#include "cli/text_table.h"
 #include "cli/verb.h"
+#include "core/file_kinds.h"
+#include "formats/vio.h"
 
 #include <fmt/format.h>
 
@@ -16,14 +21,56 @@ struct ConvertOptions {
     PictureOutput output;
 };
 
+DibBlock ReadSource(Run& run, const ConvertOptions& options, const std::string& file, bool keepIndices,
+                    PictureFacts& facts) {
+    if (auto picture = PictureOfIcons(file, options.formats)) return picture;
+    auto input = options.input;
+    input.keepIndices = keepIndices;
+    return ReadPictureInput(run, file, input, facts);
+}
+
 void Convert(Run& run, const ConvertOptions& options, const std::string& file) {
     PictureFacts facts;
-    auto picture = PictureOfIcons(file, options.formats);
-    if (!picture) picture = ReadPictureInput(run, file, options.input, facts);
-    const auto path = WritePictureOutput(run, file, {}, picture, options.output, options.files.size() > 1, facts);
-    if (run.Options().dryRun || path == "-") return;
-    run.Note(fmt::format("{}  {}x{}, {} bits", Printable(path), DIBWidth(picture), DIBHeight(picture),
-                         DIBBitCount(picture)));
+    const auto picture = ReadSource(run, options, file, true, facts);
+    WritePictureOutput(run, file, {}, picture, options.output, options.files.size() > 1, facts);
+}
+
+// The images of an object go over as they stand, with their layers; the first object gives its description too.
+bool AddImagesOf(const std::string& file, bool first, ImageObject& object) {
+    const auto view = FileView::Open(file);
+    if (!IsVio(view.Data())) return false;
+    ImageObject added;
+    if (!ReadImageObject(view.Data(), added)) throw FileException("this VIO file is damaged");
+    if (first) {
+        object = std::move(added);
+    } else {
+        std::move(added.images.begin(), added.images.end(), std::back_inserter(object.images));
+    }
+    return true;
+}
+
+// All files into one object; what is no object becomes an image of one layer.
+void ConvertToObject(Run& run, const ConvertOptions& options) {
+    ImageObject object;
+    bool first = true;
+    const bool whole = options.input.frame == 1 && options.input.layer.empty() && !options.input.composite;
+    run.ForEach(options.files, [&](const std::string& file) {
+        PictureFacts facts;
+        if ((!whole || !AddImagesOf(file, first, object)) &&
+            !AddVniPicture(object, ReadSource(run, options, file, false, facts)))
+            throw FileException("it cannot be brought to 32 bits");
+        first = false;
+    });
+    if (first) return;
+    const auto& path = run.Options().output;
+    run.Attempt(path, [&] {
+        const auto bytes = WriteImageObject(object);
+        if (bytes.empty()) throw FileException("the pictures cannot be packed");
+        WriteOutput(run, path, bytes);
+        if (run.Options().dryRun) return;
+        run.Note(fmt::format("{}  {}, {}", Printable(path), Counted(object.images.size(), "image"),
+                             BytesText(bytes.size())));
+    });
 }
 
 } // namespace
@@ -36,15 +83,17 @@ VerbAction SetUpConvert(VerbSetup& setup) {
     setup.Option(
         "--formats", options->formats, "WxHxBITS,...",
         "formats of the icons that are written, made where they are missing; or the one that becomes a picture");
-    options->input.keepIndices = true;
     options->input.Declare(setup);
     options->output.Declare(setup);
-    setup.Footer("Written are, by the name of the output: icons (ico, icns, rsrc, rsc, bin), an icon library (icl), an "
-                 "archive of\nMacintosh icons (sit), or pictures. Formats that the target cannot hold are lost with a "
-                 "warning; --no refuses instead.\n\nExamples:\n"
-                 "  pelorin-cli convert app.ico app.icns\n"
-                 "  pelorin-cli convert app.icns app.ico --formats 48x48x32,32x32x32,16x16x32");
+    setup.Footer(
+        "Written are, by the name of the output: icons (ico, icns, rsrc, rsc, bin), an icon library (icl), an "
+        "archive of\nMacintosh icons (sit), an image object with all the pictures (vio), or pictures. Formats that "
+        "the target cannot\nhold are lost with a warning; --no refuses instead.\n\nExamples:\n"
+        "  pelorin-cli convert app.ico app.icns\n"
+        "  pelorin-cli convert app.icns app.ico --formats 48x48x32,32x32x32,16x16x32");
     return [options](Run& run) {
+        if (!options->output.as && GetFileKind(run.Options().output) == kKindImageObject)
+            return ConvertToObject(run, *options);
         const auto target = options->output.as ? IconTarget() : IconTargetOf(run.Options().output);
         if (target.IsIcon()) {
             ConvertToIcons(run, options->files, target, options->formats);

@@ -19,23 +19,23 @@ struct ImageOptions {
 
 // As the operations want it: a transparent index becomes alpha. A picture that is transparent everywhere stays so: what
 // a format's unused fourth byte means, its reader has told already.
-DibBlock ReadForChain(Run& run, const std::string& file, const PictureInput& input) {
-    PictureFacts facts;
+DibBlock ReadForChain(Run& run, const std::string& file, const PictureInput& input, PictureFacts& facts) {
     auto block = ReadPictureInput(run, file, input, facts);
-    if (DIBBitCount(block) == 8 && facts.transparentIndex >= 0) return KeyTo32(block, facts.transparentIndex);
+    if (DIBBitCount(block) == 8 && facts.transparentIndex >= 0) block = KeyTo32(block, facts.transparentIndex);
+    // The palette is not the file's any more.
+    facts.transparentIndex = -1;
+    facts.paletteBits = 0;
     return block;
 }
 
 void Change(Run& run, const std::string& file, const ImageOptions& options, const std::vector<NamedStep>& chain) {
-    auto picture = ReadForChain(run, file, options.input);
+    PictureFacts facts;
+    auto picture = ReadForChain(run, file, options.input, facts);
     for (const auto& [text, step] : chain) {
         picture = step(picture);
         if (!picture) throw FileException(fmt::format("{} cannot be done to this picture", text));
     }
-    const auto path = WritePictureOutput(run, file, {}, picture, options.output, options.files.size() > 1);
-    if (run.Options().dryRun || path == "-") return;
-    run.Note(fmt::format("{}  {}x{}, {} bits", Printable(path), DIBWidth(picture), DIBHeight(picture),
-                         DIBBitCount(picture)));
+    WritePictureOutput(run, file, {}, picture, options.output, options.files.size() > 1, facts);
 }
 
 } // namespace

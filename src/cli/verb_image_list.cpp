@@ -18,6 +18,10 @@ void WriteFacts(JsonWriter& json, const std::string& file, const PictureFacts& f
     json.Field("height", facts.height);
     json.Field("bits", facts.bits);
     json.Field("frames", facts.frames);
+    json.Key("delays_ms");
+    json.BeginArray();
+    for (const int delay : facts.delaysMs) json.Int(delay);
+    json.EndArray();
     json.Key("layers");
     json.BeginArray();
     for (const auto& layer : facts.layers) json.String(layer);

@@ -5,6 +5,7 @@
 #include "cli/verb.h"
 #include "core/strings.h"
 #include "formats/load_image.h"
+#include "formats/vio.h"
 #include "icon/icon_sources.h"
 
 #include <fmt/format.h>
@@ -18,9 +19,24 @@ struct FileInfo {
     std::size_t bytes = 0;
     bool damaged = false; ///< its icons cannot be opened
     IconFileReport report;
+    std::string partWord; ///< what the parts of a picture are, "layer"; empty for other files
+    std::vector<std::string> parts;
 };
 
+// An object is told of in full, also one without any image.
+void InspectImageObject(ByteSpan file, FileInfo& info) {
+    ImageObject object;
+    if (!ReadImageObject(file, object)) throw FileException("this VIO file is damaged");
+    info.kind = "vio";
+    auto& facts = info.report.facts;
+    facts = {{"width", fmt::format("{}", object.size.width)}, {"height", fmt::format("{}", object.size.height)}};
+    info.partWord = "image";
+    for (const auto& image : object.images) info.parts.push_back(DecodeText(image.m_strName));
+    for (const auto& [name, value] : DescribeVioInfo(object.info)) facts.emplace_back(name, DecodeText(value));
+}
+
 void InspectPicture(ByteSpan file, int kind, FileInfo& info) {
+    if (IsVio(file)) return InspectImageObject(file, info);
     PictureFacts facts;
     if (!ReadPicture(file, kind, {}, facts))
         throw FileException("this is neither a file that carries icons nor a picture");
@@ -29,7 +45,8 @@ void InspectPicture(ByteSpan file, int kind, FileInfo& info) {
                          {"height", fmt::format("{}", facts.height)},
                          {"bits", fmt::format("{}", facts.bits)},
                          {"frames", fmt::format("{}", facts.frames)}};
-    for (const auto& layer : facts.layers) info.report.facts.emplace_back("layer", layer);
+    info.partWord = "layer";
+    info.parts = facts.layers;
 }
 
 void CountIcons(ByteSpan file, const IconSource& source, FileInfo& info) {
@@ -73,6 +90,12 @@ void WriteJson(JsonWriter& json, const std::string& file, const FileInfo& info) 
     json.Key("facts");
     json.BeginObject();
     for (const auto& [name, value] : info.report.facts) json.Field(name, value);
+    if (!info.partWord.empty()) {
+        json.Key(info.partWord + "s");
+        json.BeginArray();
+        for (const auto& part : info.parts) json.String(part);
+        json.EndArray();
+    }
     json.EndObject();
     json.Key("oddities");
     json.BeginArray();
@@ -86,6 +109,7 @@ std::string Text(const std::string& file, const FileInfo& info) {
     table.Row({"kind", info.typeName.empty() ? info.kind : fmt::format("{} ({})", info.typeName, info.kind)});
     table.Row({"bytes", fmt::format("{}", info.bytes)});
     for (const auto& [name, value] : info.report.facts) table.Row({ReplaceAll(name, "_", " "), Printable(value)});
+    for (const auto& part : info.parts) table.Row({info.partWord, Printable(part)});
     for (const auto& oddity : info.report.oddities) table.Row({"odd", Printable(oddity)});
     return Printable(file) + "\n" + table.Text();
 }

@@ -122,6 +122,8 @@ public:
         return false;
     }
     bool Skip() { return SkipCodes(m_decoder.Get()); }
+    /// Of the frame that `Next` moved to, in 1/100 s.
+    [[nodiscard]] int Delay() const { return m_control.DelayTime; }
 
     // The frame's pixels; false when they are not all there.
     bool Read(Frame& frame) {
@@ -258,7 +260,7 @@ DibBlock ReadGif(ByteSpan file, const PictureRequest& request, PictureFacts& fac
     Size size;
     Screen screen({});
     int count = 0;
-    for (; source.Next(); ++count) {
+    for (; source.Next(); ++count, facts.delaysMs.push_back(source.Delay() * 10)) {
         if (count > request.frame) {
             if (!source.Skip()) break;
             continue;
@@ -276,6 +278,7 @@ DibBlock ReadGif(ByteSpan file, const PictureRequest& request, PictureFacts& fac
     }
     if (count <= request.frame) return {};
     facts.frames = count;
+    if (count == 1) facts.delaysMs.clear();
     facts.width = size.width;
     facts.height = size.height;
     facts.bits = 8;

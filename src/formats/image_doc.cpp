@@ -6,8 +6,6 @@
 #include "core/services.h"
 #include "core/user_prompt.h"
 
-#include <fmt/format.h>
-
 namespace pelorin {
 
 bool CImageDoc::OnNewDocument() {
@@ -20,19 +18,13 @@ bool CImageDoc::OnNewDocument() {
 }
 
 CVniImage& CImageDoc::AddImage() {
-    auto& image = m_Object.images.emplace_back();
-    image.m_strName = fmt::format("Image{}", m_Object.images.size());
-    image.m_Size = m_Object.size;
     SetModifiedFlag();
-    return image;
+    return AddVniImage(m_Object);
 }
 
 CVniLayer& CImageDoc::AddLayer(CVniImage& image) {
-    auto& layer = image.m_arrLayers.emplace_back();
-    const auto number = image.m_arrLayers.size() - 1;
-    layer.m_strName = number == 0 ? "Background" : fmt::format("Layer {}", number);
     SetModifiedFlag();
-    return layer;
+    return AddVniLayer(image);
 }
 
 bool CImageDoc::LoadObject(const std::string& path) {

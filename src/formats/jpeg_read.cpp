@@ -11,6 +11,9 @@ namespace {
 // A progressive file may go over the picture as often as it likes; a scan costs a few bytes of file and the whole
 // picture in work.
 constexpr int kMaxScans = 100;
+// A block of 64 pixels takes a bit at the very least, and more than a sixteenth of a picture has to be there: the rest
+// would be filled with grey.
+constexpr std::uint64_t kMostPixelsPerByte = std::uint64_t{64} * 8 * 16;
 
 /// One decompression; the members in the order of their use. Each returns false when the library failed.
 class Decoder {
@@ -58,8 +61,11 @@ bool Decoder::ReadHeader(ByteSpan file) {
     m_monitor.progress_monitor = CountScans;
     m_codec.progress = &m_monitor;
     jpeg_mem_src(&m_codec, file.data(), static_cast<unsigned long>(file.size()));
-    return jpeg_read_header(&m_codec, TRUE) == JPEG_HEADER_OK &&
-           std::int64_t{m_codec.image_width} * m_codec.image_height <= kMaxPixels;
+    if (jpeg_read_header(&m_codec, TRUE) != JPEG_HEADER_OK) return false;
+    const auto pixels = std::int64_t{m_codec.image_width} * m_codec.image_height;
+    // Arithmetic coding has next to no price for a picture of one colour.
+    return pixels <= kMaxPixels &&
+           (m_codec.arith_code || static_cast<std::uint64_t>(pixels) / kMostPixelsPerByte <= file.size());
 }
 
 bool Decoder::Start(J_COLOR_SPACE space, unsigned scale) {

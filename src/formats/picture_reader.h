@@ -42,6 +42,8 @@ struct PictureFacts {
     std::vector<std::string> layers;
     /// Frame shown: 1/100 s for GIF, 1/60 s for animated cursors; 0 otherwise.
     int delay = 0;
+    /// Of all frames of an animation, in milliseconds; empty for other pictures.
+    std::vector<int> delaysMs;
     /// Of an 8-bpp block: entry that is transparent, -1 for none; bits of the file's palette, 0 for none.
     int transparentIndex = -1;
     int paletteBits = 0;

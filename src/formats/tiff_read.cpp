@@ -68,8 +68,19 @@ struct Packing {
     std::uint64_t ratio;
 };
 constexpr Packing kPackings[] = {
-    {COMPRESSION_NONE, 1},       {COMPRESSION_PACKBITS, 64},        {COMPRESSION_LZW, 2731},
-    {COMPRESSION_DEFLATE, 1032}, {COMPRESSION_ADOBE_DEFLATE, 1032},
+    {COMPRESSION_NONE, 1},
+    {COMPRESSION_PACKBITS, 64},
+    {COMPRESSION_LZW, 2731},
+    {COMPRESSION_DEFLATE, 1032},
+    {COMPRESSION_ADOBE_DEFLATE, 1032},
+    {COMPRESSION_PIXARLOG, 1032},
+    {COMPRESSION_THUNDERSCAN, 32},
+    {COMPRESSION_SGILOG24, 2}, // three bytes a pixel, however many its tags say
+    {COMPRESSION_SGILOG, 130}, // two bytes for 129 of one plane of bytes
+    {COMPRESSION_JPEG, 1024},  // two bits a block
+    {COMPRESSION_OJPEG, 1024},
+    {COMPRESSION_LZMA, 8192},
+    {COMPRESSION_ZSTD, 32768}, // four bytes for a block of 128 KB
 };
 
 // False when the file is too short for its samples, whatever they are: no memory need be taken to find that out.

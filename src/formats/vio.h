@@ -97,6 +97,8 @@ struct VioInfo {
 /// Fields that are missing are empty or 0.
 [[nodiscard]] VioInfo ParseVioInfo(std::string_view text);
 [[nodiscard]] std::string FormatVioInfo(const VioInfo& info);
+/// Name in words of lower case ("author_url") and value of the fields that are not empty or 0, without the passwords.
+[[nodiscard]] std::vector<std::pair<std::string, std::string>> DescribeVioInfo(const VioInfo& info);
 
 struct ImageObject {
     int version = 1;
@@ -105,6 +107,14 @@ struct ImageObject {
     VioInfo info;
     CVniImages images;
 };
+
+/// Adds an image of the object's size: "Image1", "Image2", ...
+CVniImage& AddVniImage(ImageObject& object);
+/// Puts a layer without pixels on top of the image: "Background", "Layer 1", ...
+CVniLayer& AddVniLayer(CVniImage& image);
+/// Adds an image whose one layer is the picture. An object without a size takes the picture's. False, with the object
+/// as it was, for a picture that cannot become 32 bits.
+[[nodiscard]] bool AddVniPicture(ImageObject& object, const DibBlock& picture);
 
 [[nodiscard]] bool IsVio(ByteSpan file);
 /// False, with the object in no defined state, for a file that is damaged.

@@ -10,24 +10,24 @@ namespace pelorin {
 namespace {
 
 struct InfoField {
-    std::string_view tag;
+    std::string_view tag, word; ///< no word: nothing that is told
     std::variant<std::string VioInfo::*, int VioInfo::*> value;
 };
 
 // In the order in which they are written.
 constexpr InfoField kFields[] = {
-    {"Title", &VioInfo::title},
-    {"Type", &VioInfo::type},
-    {"Description", &VioInfo::description},
-    {"Author", &VioInfo::author},
-    {"AuthorURL", &VioInfo::authorUrl},
-    {"Keywords", &VioInfo::keywords},
-    {"LicenseType", &VioInfo::licenseType},
-    {"AccessType", &VioInfo::accessType},
-    {"LicenseText", &VioInfo::licenseText},
-    {"PurchaseURL", &VioInfo::purchaseUrl},
-    {"FileInfoPassword", &VioInfo::fileInfoPassword},
-    {"MainPassword", &VioInfo::mainPassword},
+    {"Title", "title", &VioInfo::title},
+    {"Type", "type", &VioInfo::type},
+    {"Description", "description", &VioInfo::description},
+    {"Author", "author", &VioInfo::author},
+    {"AuthorURL", "author_url", &VioInfo::authorUrl},
+    {"Keywords", "keywords", &VioInfo::keywords},
+    {"LicenseType", "license_type", &VioInfo::licenseType},
+    {"AccessType", "access_type", &VioInfo::accessType},
+    {"LicenseText", "license_text", &VioInfo::licenseText},
+    {"PurchaseURL", "purchase_url", &VioInfo::purchaseUrl},
+    {"FileInfoPassword", "", &VioInfo::fileInfoPassword},
+    {"MainPassword", "", &VioInfo::mainPassword},
 };
 
 std::string_view FindField(std::string_view text, std::string_view tag) {
@@ -50,7 +50,7 @@ int NumberOf(std::string_view text) {
 
 VioInfo ParseVioInfo(std::string_view text) {
     VioInfo info;
-    for (const auto& [tag, value] : kFields) {
+    for (const auto& [tag, word, value] : kFields) {
         const auto found = FindField(text, tag);
         if (const auto* string = std::get_if<std::string VioInfo::*>(&value)) {
             info.** string = found;
@@ -67,6 +67,20 @@ std::string FormatVioInfo(const VioInfo& info) {
         std::visit([&](auto member) { text += fmt::format("<{0}>{1}</{0}>", field.tag, info.*member); }, field.value);
     }
     return text;
+}
+
+std::vector<std::pair<std::string, std::string>> DescribeVioInfo(const VioInfo& info) {
+    std::vector<std::pair<std::string, std::string>> told;
+    const auto empty = VioInfo();
+    for (const auto& field : kFields) {
+        std::visit(
+            [&](auto member) {
+                if (field.word.empty() || info.*member == empty.*member) return;
+                told.emplace_back(field.word, fmt::format("{}", info.*member));
+            },
+            field.value);
+    }
+    return told;
 }
 
 } // namespace pelorin

@@ -4,6 +4,7 @@
 #include "icon/frame_image.h"
 #include "icon/icon_picture32.h"
 
+#include <climits>
 #include <fmt/format.h>
 
 namespace pelorin {
@@ -78,6 +79,9 @@ DibBlock ReadAni(ByteSpan file, const PictureRequest& request, PictureFacts& fac
     facts.bits = image.bits;
     facts.frames = static_cast<int>(steps.size());
     facts.delay = static_cast<int>(step.rate);
+    for (const auto& shown : steps)
+        facts.delaysMs.push_back(
+            static_cast<int>(std::min<std::uint64_t>(shown.rate * std::uint64_t{50} / 3, INT_MAX)));
     return IconPicture32(image.icon);
 }
 

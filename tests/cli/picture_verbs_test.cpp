@@ -1,6 +1,9 @@
+#include "base/files.h"
 #include "formats/load_image.h"
 #include "formats/save_image.h"
+#include "formats/vio.h"
 #include "support/dib_builder.h"
+#include "support/psd_builder.h"
 #include "support/run_program.h"
 #include "support/temp_folder.h"
 
@@ -37,7 +40,8 @@ TEST_F(PictureVerbs, ListShowsWhatTheFilesAre) {
     const auto json = Run({"image", "list", "--json", "b.jpg", "missing.png"});
     EXPECT_EQ(json.exitCode, 1);
     EXPECT_EQ(json.out, "[\n  {\n    \"file\": \"b.jpg\",\n    \"format\": \"JPEG\",\n    \"width\": 400,\n"
-                        "    \"height\": 300,\n    \"bits\": 24,\n    \"frames\": 1,\n    \"layers\": []\n  }\n]\n");
+                        "    \"height\": 300,\n    \"bits\": 24,\n    \"frames\": 1,\n    \"delays_ms\": [],\n    "
+                        "\"layers\": []\n  }\n]\n");
     EXPECT_THAT(json.err, HasSubstr("pelorin-cli: missing.png: "));
 }
 
@@ -80,6 +84,58 @@ TEST_F(PictureVerbs, OptionsReachTheWriters) {
     EXPECT_LT(size("a.jpg", {"--quality", "10"}), size("a.jpg", {"--quality", "95"}));
     EXPECT_LT(size("a.jp2", {"--lossy", "1"}), size("a.jp2", {"--lossy", "12"}));
     EXPECT_LT(size("a.jp2", {"--lossy", "12"}), size("a.jp2", {}));
+}
+
+TEST_F(PictureVerbs, ObjectsTakeAllPictures) {
+    Put("a.png", 15, test::Picture32(2, {0xFF102030, 0x40FFFFFF}));
+    Put("b.bmp", 3, CreateDIB(3, 2, 24));
+    const auto made = Run({"convert", "a.png", "b.bmp", "-o", "c.vio"});
+    EXPECT_EQ(made.exitCode, 0);
+    EXPECT_THAT(made.out, HasSubstr("c.vio  2 images, "));
+    EXPECT_EQ(Run({"convert", "c.vio", "-o", "c.vio"}).exitCode, 1) << "nothing is replaced";
+
+    // An object goes over whole, one image of it or the composite as a picture.
+    ImageObject object;
+    ASSERT_TRUE(ReadImageObject(ReadFileStart(m_folder.Path("c.vio"), 1 << 20), object));
+    object.info.authorUrl = "http://a";
+    object.images[0].m_strSecondName = "second";
+    AddVniLayer(object.images[0]).m_strText = "text";
+    const auto whole = WriteImageObject(object);
+    WriteFileSafely(m_folder.Path("d.vio"), whole);
+    EXPECT_EQ(Run({"convert", "d.vio", "-o", "e.vio"}).exitCode, 0);
+    EXPECT_EQ(ReadFileStart(m_folder.Path("e.vio"), 1 << 20), whole);
+    EXPECT_EQ(Run({"convert", "d.vio", "--frame", "2", "-o", "f.vio"}).exitCode, 0);
+    PictureFacts facts;
+    EXPECT_EQ(DIBWidth(Get("f.vio", facts)), 3);
+    EXPECT_EQ(facts.frames, 1);
+    EXPECT_EQ(Run({"convert", "f.vio", "d.vio", "missing.png", "-o", "g.vio"}).exitCode, 1);
+    EXPECT_TRUE(Get("g.vio", facts));
+    EXPECT_EQ(facts.frames, 3);
+
+    const auto info = Run({"info", "--json", "d.vio"});
+    EXPECT_THAT(info.out, HasSubstr("\"author_url\": \"http://a\",\n      \"images\": [\n        \"Image1\","));
+    object.images.clear();
+    object.size.height = 9;
+    WriteFileSafely(m_folder.Path("empty.vio"), WriteImageObject(object));
+    EXPECT_THAT(Run({"info", "empty.vio"}).out, HasSubstr("height      9"));
+}
+
+TEST_F(PictureVerbs, LayersAreNotLostUnseen) {
+    using namespace test::psd;
+    const auto layers = LayerBlock(
+        2, {{{0, 0, 1, 1}, FlatPlanes(1, 1, 2, 3), "ground"}, {{0, 0, 1, 1}, FlatPlanes(1, 4, 5, 6), "sky"}});
+    WriteFileSafely(m_folder.Path("a.psd"), MakeFile({3, 1, 1}, layers, {0, 0, 10, 20, 30}));
+    for (const auto* verb : {"convert", "image"}) {
+        const auto result = Run({verb, "a.psd", "-o", "a.psd", "--force", "--layer", "2"});
+        EXPECT_EQ(result.exitCode, 1);
+        EXPECT_THAT(result.err, HasSubstr("Photoshop images with Layers. However, you can continue"));
+        EXPECT_EQ(Run({verb, "a.psd", "-o", "b.psd", "--force", "--layer", "sky"}).exitCode, 0);
+    }
+    PictureFacts facts;
+    EXPECT_EQ(test::At(Get("b.psd", facts), 0, 0), 0xFF040506u);
+    EXPECT_EQ(facts.layers.size(), 1u);
+    EXPECT_THAT(Run({"convert", "a.psd", "--layer", "skj", "-o", "x.png"}).err,
+                HasSubstr("there is no layer \"skj\", the file has 2; did you mean sky?"));
 }
 
 TEST_F(PictureVerbs, RefusalsSayWhy) {

@@ -75,7 +75,7 @@ Bytes MakeGif(Size screen, const std::vector<FrameShape>& frames) {
 
 TEST(Gif, FirstFrameKeepsItsIndices) {
     PictureFacts facts;
-    const auto file = MakeGif({2, 2}, {{{0, 0, 2, 2}, {0, 1, 2, 3}, 0, 7, 2}, {{0, 0, 1, 1}, {1}}});
+    const auto file = MakeGif({2, 2}, {{{0, 0, 2, 2}, {0, 1, 2, 3}, 0, 7, 2}, {{0, 0, 1, 1}, {1}, 0, 12}});
     const auto block = ReadGif(file, {}, facts);
     ASSERT_EQ(DIBBitCount(block), 8);
     const DibView view(block);
@@ -86,6 +86,7 @@ TEST(Gif, FirstFrameKeepsItsIndices) {
     EXPECT_EQ(facts.paletteBits, 2);
     EXPECT_EQ(facts.delay, 7);
     EXPECT_EQ(facts.frames, 2);
+    EXPECT_EQ(facts.delaysMs, (std::vector<int>{70, 120}));
 }
 
 TEST(Gif, WhatTheFirstFrameLeavesFreeIsTransparent) {

@@ -127,6 +127,12 @@ TEST(Jpeg, DamagedFilesNeverCrash) {
         const auto block = Read(ByteSpan(file).first(size), false, facts);
         EXPECT_TRUE(!block || DIBWidth(block) == 40) << size;
     }
+    // Sizes that so few bytes cannot be a part of.
+    auto huge = file;
+    const auto frame = AsText(huge).find("\xFF\xC0");
+    std::fill_n(huge.begin() + static_cast<std::ptrdiff_t>(frame) + 5, 4, std::uint8_t{0x1F});
+    EXPECT_FALSE(Read(huge, false, facts));
+    EXPECT_FALSE(Read(huge, true, facts));
     for (std::size_t i = 2; i < file.size(); ++i) {
         auto damaged = file;
         damaged[i] ^= 0x55;

@@ -112,6 +112,23 @@ TEST(Vio, InformationText) {
     const auto info = ParseVioInfo("<Type> 12x</Type><Title></Title><Author>a<b</Author><Keywords>open");
     EXPECT_EQ(info, (VioInfo{.author = "a<b", .type = 12}));
     EXPECT_EQ(FormatVioInfo({.title = "t", .type = -1}).substr(0, 31), "<Title>t</Title><Type>-1</Type>");
+    using Told = std::vector<std::pair<std::string, std::string>>;
+    EXPECT_EQ(DescribeVioInfo({.authorUrl = "u", .mainPassword = "p", .accessType = 3}),
+              (Told{{"author_url", "u"}, {"access_type", "3"}}));
+}
+
+TEST(Vio, PicturesBecomeImages) {
+    ImageObject object;
+    ASSERT_TRUE(AddVniPicture(object, test::Picture32(2, {0x80102030, 0xFF405060})));
+    ASSERT_TRUE(AddVniPicture(object, CreateDIB(3, 5, 8)));
+    EXPECT_FALSE(AddVniPicture(object, {}));
+    EXPECT_EQ(object.size, (Size{2, 1}));
+    ASSERT_EQ(object.images.size(), 2u);
+    EXPECT_EQ(object.images[1].m_strName, "Image2");
+    EXPECT_EQ(object.images[1].m_Size, (Size{3, 5}));
+    EXPECT_EQ(object.images[1].m_arrLayers[0].m_strName, "Background");
+    EXPECT_EQ(At(object.images[0].Composite(), 0, 0), 0x80102030u);
+    EXPECT_EQ(At(object.images[1].Composite(), 2, 4), 0xFF000000u);
 }
 
 TEST(Vio, Blending) {

@@ -190,6 +190,7 @@ TEST(Ani, AsPictureAndAsIcons) {
     EXPECT_EQ(At(ReadAni(file, request, facts), 0, 0), 0xC8030214u);
     EXPECT_EQ(facts.frames, 2);
     EXPECT_EQ(facts.delay, 5);
+    EXPECT_EQ(facts.delaysMs, (std::vector<int>{66, 83}));
     request.frame = 2;
     EXPECT_FALSE(ReadAni(file, request, facts));
 
