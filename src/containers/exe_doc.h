@@ -76,6 +76,7 @@ private:
     /// Images that icons name and that turned out to be damaged must not be taken for orphans.
     void KeepUndecoded(const IconResources& found);
     void RebuildIdTable();
+    void CountExtraBytes(const std::string& path);
     void Saved(const std::string& path);
 
     ResourceUpdater m_updater;

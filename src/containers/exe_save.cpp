@@ -280,8 +280,19 @@ void CFileExeDoc::RebuildIdTable() {
     m_arrIds = std::move(table);
 }
 
+void CFileExeDoc::CountExtraBytes(const std::string& path) {
+    try {
+        const auto file = FileView::Open(path);
+        const auto image = PeImage::Parse(file.Data());
+        m_nExtraBytes = image ? FindExtraData(*image).size() : 0;
+    } catch (const FileException&) {
+        m_nExtraBytes = 0;
+    }
+}
+
 void CFileExeDoc::Saved(const std::string& path) {
     RebuildIdTable();
+    if (m_bDropSignature) CountExtraBytes(path); // the signature was among them
     m_arrDeletedGroups.clear();
     for (const auto& icon : m_arrIcons) icon->m_bChanged = false;
     if (path != GetPathName()) SetPathName(path, true);

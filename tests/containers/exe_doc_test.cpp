@@ -386,6 +386,7 @@ TEST(ExeDoc, ASignedFileIsAskedAboutFirst) {
         const auto after = PeImage::Parse(now).value();
         EXPECT_EQ(IsSigned(after), !agree);
         EXPECT_EQ(now.size(), agree ? after.RawEnd() : file.size());
+        EXPECT_EQ(o.document.GetExtraBytes(), agree ? 0u : 512u) << "a signature that went is not told as kept";
     }
 }
 
