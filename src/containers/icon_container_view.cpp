@@ -1,6 +1,7 @@
 #include "containers/icon_container_view.h"
 
 #include "base/files.h"
+#include "containers/mac_files.h"
 #include "core/services.h"
 #include "core/user_prompt.h"
 #include "icon/ico_file.h"
@@ -60,7 +61,7 @@ bool CIconContainerView::ExportOne(int index, const std::string& path, ExportAs 
     if (FileExists(path) && prompt.Ask(PromptButtons::YesNo, str::kAskReplaceFile, path) != PromptAnswer::Yes) {
         return false;
     }
-    if (form == ExportAs::MacintoshIcon) return m_pfnWriteMacintosh && m_pfnWriteMacintosh(path, icon);
+    if (form == ExportAs::MacintoshIcon) return SaveAsMacFile(icon, path, &prompt);
     try {
         WriteFileSafely(path, BuildIcoFile(icon));
         return true;

@@ -10,9 +10,6 @@ namespace pelorin {
 /// The two files that an icon can be exported as.
 enum class ExportAs { WindowsIcon, MacintoshIcon };
 
-/// Writes an icon as a Macintosh file; given by whoever knows that format. False when it could not.
-using MacintoshIconWriter = bool (*)(const std::string& path, const CIconGroup& icon);
-
 class CIconContainerView {
 public:
     explicit CIconContainerView(CIconContainerDoc& document) : m_document(document) {}
@@ -37,7 +34,8 @@ public:
     virtual bool Delete();
     /// What the dialog for one selected icon starts with: its name as a file's, or "Untitled".
     [[nodiscard]] std::string ExportDefaultName() const;
-    /// Exports the first selected icon, asking before an existing file is replaced.
+    /// Exports the first selected icon, asking before an existing file is replaced. A Macintosh file has the form that
+    /// its extension asks for, with the formats that it can hold.
     bool Export(const std::string& path, ExportAs form);
     /// Exports all selected icons to files named after them in `folder`, asking before an existing one is replaced.
     /// Number of files written.
@@ -48,8 +46,6 @@ public:
     CIconDoc* OpenIcon(int index);
     /// An editor for a copy that belongs to nobody.
     CIconDoc* OpenAsNewIcon(int index);
-
-    MacintoshIconWriter m_pfnWriteMacintosh = nullptr;
 
 protected:
     [[nodiscard]] CIconDoc* OpenEditor(int index);

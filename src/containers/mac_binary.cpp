@@ -79,7 +79,8 @@ bool SaveAsMacFile(const CIconGroup& icon, const std::string& path, UserPrompt* 
         }
         WriteFileSafely(path, file);
         return true;
-    } catch (const FileException&) {
+    } catch (const FileException& e) {
+        if (prompt) prompt->Tell(PromptIcon::Stop, str::kErrorWritingFile, path, e.what());
         return false;
     } catch (const std::bad_alloc&) {
         return false;

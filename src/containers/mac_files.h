@@ -36,7 +36,8 @@ class UserPrompt;
 [[nodiscard]] Bytes BuildMacFile(const CIconGroup& icon, int kind, std::string_view path);
 
 /// Writes an icon in the form that the path's extension asks for; a file that is there is replaced only when the new
-/// one is whole. Tells `prompt` (null: nobody) when no format of the icon fits. False when nothing was written.
+/// one is whole. Tells `prompt` (null: nobody) when no format of the icon fits, or the file cannot be written. False
+/// when nothing was written.
 [[nodiscard]] bool SaveAsMacFile(const CIconGroup& icon, const std::string& path, UserPrompt* prompt);
 
 /// True when the bytes have the structure of a resource fork.

@@ -1,11 +1,13 @@
 #include "containers/icl_doc.h"
 #include "containers/icon_container_view.h"
 #include "containers/icon_import.h"
+#include "containers/mac_files.h"
 #include "containers/program_file.h"
 #include "core/services.h"
 #include "core/user_prompt.h"
 #include "support/icon_builder.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace pelorin {
@@ -139,6 +141,14 @@ TEST(IclView, ExportCleansNamesAndAsksBeforeReplacing) {
               "The file \"" + (library.folder / "same.ico") + "\" already exists.\nDo you really want to Replace it?");
     library.view.Select({1});
     EXPECT_EQ(library.view.ExportDefaultName(), "Untitled");
+    // A Macintosh file has the form that its name asks for.
+    library.view.Select({0, 1});
+    EXPECT_EQ(library.view.ExportTo(library.folder.Path(), ExportAs::MacintoshIcon), 2);
+    EXPECT_TRUE(AsText(ReadBytes(library.folder / "a_b_c.icns")).starts_with("icns"));
+    EXPECT_TRUE(library.view.Export(library.folder / "fork.rsrc", ExportAs::MacintoshIcon));
+    EXPECT_TRUE(IsResourceFork(ReadBytes(library.folder / "fork.rsrc")));
+    EXPECT_FALSE(library.view.Export("/proc/no.icns", ExportAs::MacintoshIcon));
+    EXPECT_THAT(library.prompt.Shown().back().text, ::testing::HasSubstr("/proc/no.icns"));
 }
 
 TEST(IclDoc, OpensAsItWasSavedAndKeepsItsForm) {
