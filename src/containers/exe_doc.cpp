@@ -33,6 +33,7 @@ bool CFileExeDoc::OnOpenDocument(const std::string& path) {
         m_arrUnreadIds = {found.unreadIds.begin(), found.unreadIds.end()};
         m_arrUnreadGroupIds = {found.unreadGroupIds.begin(), found.unreadGroupIds.end()};
         KeepUndecoded(found);
+        KeepLibraryNames(found);
         m_bComplete = found.complete;
         isProgram = PeImage::Parse(file.Data()).has_value();
         if (m_nMode == ProgramMode::Restricted) {
@@ -67,6 +68,14 @@ void CFileExeDoc::KeepUndecoded(const IconResources& found) {
     }
 }
 
+void CFileExeDoc::KeepLibraryNames(const IconResources& found) {
+    if (!found.hasLibraryNames || found.mode == ProgramMode::NeFile || !m_arrUnreadGroupIds.empty()) return;
+    m_nNamesLanguage = found.namesLanguage;
+    for (const auto& group : found.groups) {
+        m_arrLibraryNames[{GroupKey(group.id, group.resourceName), group.language}] = group.id >= 0 ? group.name : "";
+    }
+}
+
 void CFileExeDoc::DeleteContents() {
     CIconContainerDoc::DeleteContents();
     m_nMode = ProgramMode::Full;
@@ -76,6 +85,7 @@ void CFileExeDoc::DeleteContents() {
     m_arrUnreadIds.clear();
     m_arrUnreadGroupIds.clear();
     m_arrDeletedGroups.clear();
+    m_arrLibraryNames.clear();
     m_arrExtraData.clear();
     m_nExtraBytes = 0;
 }

@@ -5,6 +5,7 @@
 #include "containers/icon_resources.h"
 #include "containers/resource_update.h"
 
+#include <map>
 #include <set>
 
 namespace pelorin {
@@ -76,6 +77,7 @@ private:
     /// Images that icons name and that turned out to be damaged must not be taken for orphans.
     void KeepUndecoded(const IconResources& found);
     void RebuildIdTable();
+    void KeepLibraryNames(const IconResources& found);
     void CountExtraBytes(const std::string& path);
     void Saved(const std::string& path);
 
@@ -84,7 +86,12 @@ private:
     bool m_bNoticeShown = false, m_bComplete = true;
     std::set<IdPair> m_arrIds;
     std::set<int> m_arrUnreadIds, m_arrUnreadGroupIds;
-    std::vector<std::pair<ResourceKey, int>> m_arrDeletedGroups; ///< key and language
+    using GroupPlace = std::pair<ResourceKey, int>; ///< key and language
+    std::vector<GroupPlace> m_arrDeletedGroups;
+    /// The names of a library's table, which goes by the order of the groups; empty: no such table, or not all of the
+    /// groups are known.
+    std::map<GroupPlace, std::string> m_arrLibraryNames;
+    int m_nNamesLanguage = 0;
     std::size_t m_nExtraBytes = 0;
     Bytes m_arrExtraData; ///< only when the updater does not keep it
 };

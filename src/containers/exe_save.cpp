@@ -1,5 +1,6 @@
 // Saving a program file: in place, or by an update of its resources.
 #include "containers/exe_doc.h"
+#include "containers/pe_icons.h"
 #include "containers/program_file.h"
 #include "core/services.h"
 #include "core/user_prompt.h"
@@ -80,6 +81,27 @@ public:
         return 0;
     }
 
+    /// Where icons came or went in a library, its names move to the icons' new places.
+    int PutNames() {
+        auto& old = m_document.m_arrLibraryNames;
+        for (const auto& icon : m_document.m_arrIcons) {
+            const GroupPlace place(GroupKey(icon->m_nResourceId, icon->m_strResourceName), icon->m_nLanguage);
+            const auto known = old.find(place);
+            m_names[place] = known == old.end() ? std::string() : known->second;
+        }
+        const auto same = [](const auto& a, const auto& b) { return a.first == b.first; };
+        if (old.empty() || std::ranges::equal(old, m_names, same)) return 0;
+        std::vector<std::string> names;
+        for (const auto& [place, name] : m_names) names.push_back(name);
+        const int language = m_document.m_nNamesLanguage;
+        return Put(kResourceLibraryNames, 1, language, WriteNameTable(names)) ? 0 : kErrorImage;
+    }
+
+    /// The update was written.
+    void TakeNames() {
+        if (!m_document.m_arrLibraryNames.empty()) m_document.m_arrLibraryNames = std::move(m_names);
+    }
+
 private:
     bool Put(std::uint16_t type, const ResourceKey& name, int language, ByteSpan bytes) {
         return m_document.Updater().UpdateResource(m_update, type, name, static_cast<std::uint16_t>(language), bytes);
@@ -118,6 +140,7 @@ private:
     ResourceUpdate& m_update;
     int m_nextId = 1;
     std::vector<CVnIcon*> m_given;
+    std::map<GroupPlace, std::string> m_names;
 };
 
 bool CFileExeDoc::Fail(const std::string& path, const std::string& suffix) {
@@ -225,6 +248,7 @@ bool CFileExeDoc::SaveByUpdate(const std::string& source, const std::string& pat
     CompressImages(changed);
     for (std::size_t i = 0; error == 0 && i < changed.size(); ++i) error = steps.PutIcon(*changed[i]);
     if (error == 0) error = steps.DeleteGroups();
+    if (error == 0) error = steps.PutNames();
     const auto takeBack = [&] {
         steps.TakeIdsBack();
         m_arrIds = table;
@@ -235,9 +259,12 @@ bool CFileExeDoc::SaveByUpdate(const std::string& source, const std::string& pat
         if (error != kErrorGroup) Updater().EndUpdateResource(std::move(update), true);
         return failWith(error);
     }
-    if (EndUpdate(std::move(update), source != path, path)) return true;
-    takeBack();
-    return false;
+    if (!EndUpdate(std::move(update), source != path, path)) {
+        takeBack();
+        return false;
+    }
+    steps.TakeNames();
+    return true;
 }
 
 bool CFileExeDoc::EndUpdate(std::unique_ptr<ResourceUpdate> update, bool isCopy, const std::string& path) {

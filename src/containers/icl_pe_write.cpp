@@ -1,5 +1,4 @@
 // The PE form: the blank DLL with resources put in.
-#include "base/text.h"
 #include "containers/icl_file.h"
 #include "containers/icon_resources.h"
 #include "containers/pe_icons.h"
@@ -34,14 +33,9 @@ bool ExtractBlankDll(const std::string& path) {
 }
 
 Bytes NameTable(IconList icons) {
-    ByteWriter out;
-    out.Text(kNameTableStart);
-    for (const auto* icon : icons) {
-        const auto name = icon->m_strName.empty() ? kNoNamePe : ClipUtf8(icon->m_strName, 255);
-        out.U8(static_cast<std::uint32_t>(name.size()));
-        out.Text(name);
-    }
-    return out.Take();
+    std::vector<std::string> names;
+    for (const auto* icon : icons) names.push_back(icon->m_strName);
+    return WriteNameTable(names);
 }
 
 /// The two passes: all directories with the numbers that the images will have, then the images.

@@ -90,11 +90,12 @@ struct IconResources {
     /// Images that could not be read, although a group names them or the program fills them in; a save must not take
     /// them for orphans.
     std::vector<int> unreadIds;
-    /// Numbers of groups of which no image could be read; new icons must not take them.
+    /// Numbers (-1: it has a name) of groups of which no image could be read; new icons must not take them.
     std::vector<int> unreadGroupIds;
     /// False when the reading ended early, because the images ask for more memory than makes sense.
     bool complete = true;
     bool hasLibraryNames = false;
+    int namesLanguage = 0;    ///< that of their resource
     bool hasNamePlace = true; ///< false: a 16-bit file whose header leads to no names, as that of a library does
 };
 

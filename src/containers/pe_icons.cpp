@@ -76,6 +76,7 @@ private:
         const auto* name = type ? type->Find(1) : nullptr;
         if (!name) return;
         const auto table = name->languages.front().bytes; // in whatever language
+        m_out.namesLanguage = name->languages.front().language;
         m_names = ReadNameTable(table);
         m_out.hasLibraryNames = AsText(table).starts_with(kNameTableStart);
     }
@@ -109,7 +110,7 @@ private:
             }
         }
         if (icon.images.empty()) {
-            if (!key.named) m_out.unreadGroupIds.push_back(key.id);
+            m_out.unreadGroupIds.push_back(icon.id);
         } else {
             m_out.groups.push_back(std::move(icon));
         }
@@ -138,6 +139,17 @@ std::vector<std::string> ReadNameTable(ByteSpan table) {
         names.push_back(name == kNoNamePe ? std::string() : DecodeText(name));
     }
     return names;
+}
+
+Bytes WriteNameTable(std::span<const std::string> names) {
+    ByteWriter out;
+    out.Text(kNameTableStart);
+    for (const auto& name : names) {
+        const auto stored = name.empty() ? kNoNamePe : ClipUtf8(name, 255);
+        out.U8(static_cast<std::uint32_t>(stored.size()));
+        out.Text(stored);
+    }
+    return out.Take();
 }
 
 IconResources FindIconsByTree(const PeImage& image, Progress* progress) {

@@ -18,5 +18,7 @@ inline constexpr std::string_view kNoNamePe = "\3";
 
 /// The names in a library's table, by position; an unnamed icon's is empty. Nothing when it is no such table.
 [[nodiscard]] std::vector<std::string> ReadNameTable(ByteSpan table);
+/// Such a table; names are cut to 255 bytes.
+[[nodiscard]] Bytes WriteNameTable(std::span<const std::string> names);
 
 } // namespace pelorin

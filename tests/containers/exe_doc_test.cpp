@@ -219,6 +219,30 @@ TEST(ExeDoc, ImagesAndGroupsThatTheFileDoesNotHoldStay) {
     EXPECT_EQ(o.Ids(kResourceGroupIcon), (std::vector<int>{-1, 1, 7}));
 }
 
+// A library that was saved as a DLL is a program when it is opened; its names go by the order of the icons.
+TEST(ExeDoc, NamesOfALibraryFollowTheirIcons) {
+    const TestFolder folder;
+    test::Icons icons;
+    for (const char* name : {"one", "", "three", "four"}) icons.push_back(MakeIcon(name, {k16}));
+    ResourceUpdater updater;
+    ASSERT_EQ(WriteLibraryPe(folder / "lib", test::Pointers(icons), updater), LibraryError::None);
+    Opened o(ReadBytes(folder / "lib"), "lib.dll");
+    const auto names = [&] {
+        std::vector<std::string> found;
+        for (const auto& icon : FindIcons(ReadBytes(o.path)).groups) found.push_back(icon.name);
+        return found;
+    };
+    ASSERT_TRUE(o.document.ReplaceIcon(3, *MakeIcon("", {k32})));
+    ASSERT_TRUE(o.document.RemoveIcons({0}));
+    ASSERT_TRUE(o.document.OnSaveDocument(o.path));
+    EXPECT_EQ(names(), (std::vector<std::string>{"", "three", "four"}));
+    ASSERT_TRUE(o.document.RemoveIcons({1}));
+    ASSERT_TRUE(o.document.AddIcon(*MakeIcon("x", {k16}), 1, 0));
+    ASSERT_TRUE(o.document.AddIcon(*MakeIcon("x", {k16}), ResourceKey(u"NAMED"), 0));
+    ASSERT_TRUE(o.document.OnSaveDocument(o.path));
+    EXPECT_EQ(names(), (std::vector<std::string>{"NAMED", "", "", "four"}));
+}
+
 TEST(ExeDoc, AnEditedIconKeepsTheNumbersOfItsFormats) {
     Opened o(SampleIcons().File());
     // One format was removed in the editor, one added: the freed number is taken again.
