@@ -1,5 +1,6 @@
 #include "cli/picture_chain.h"
 
+#include "app/picture_settings.h"
 #include "cli/suggestion.h"
 #include "formats/bmp.h"
 #include "formats/load_file.h"
@@ -130,6 +131,16 @@ PictureStep MakeMono(std::string_view, const StepWords& words) {
     return [dither = words.dither](const DibBlock& block) { return MonoPicture(block, dither); };
 }
 
+PictureStep MakeDepth(std::string_view text, const StepWords&) {
+    const auto comma = text.find(',');
+    const auto bits = text.substr(0, comma);
+    if (text == "32") return WidenPicture;
+    if (bits != "24") throw UsageError("32, 24, or 24 and the colour of the background are wanted: 24,FFFFFF");
+    const Rgb background = comma == std::string_view::npos ? RgbFromColorRef(PictureSettings().background)
+                                                           : Value<Color>(text.substr(comma + 1)).Rgb();
+    return [background](const DibBlock& block) { return FlattenPicture(block, background); };
+}
+
 PictureStep MakeKey(std::string_view text, const StepWords&) {
     const auto comma = text.find(',');
     const auto key = Value<Color>(text.substr(0, comma)).Rgb();
@@ -163,6 +174,7 @@ constexpr PictureOperation kOperations[] = {
     {"invert", "", "the negative", "", MakeInvert},
     {"reduce", "N", "reduce to a palette of N colours (2 to 256)", "palette dither", MakeReduce},
     {"mono", "", "black and white", "dither", MakeMono},
+    {"depth", "32|24[,COLOR]", "32 bits, or 24 with transparency composed on a colour", "", MakeDepth},
     {"key", "RRGGBB[,TOL]", "make a colour transparent: softly by hue and lightness, or sharply within a tolerance", "",
      MakeKey},
     {"shadow", "", "add a shadow", "", MakeShadow},

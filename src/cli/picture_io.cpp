@@ -63,6 +63,7 @@ PictureSaveOptions SaveOptions(Run& run, const PictureOutput& output, const DibB
     if (output.gifThreshold) options.gif.threshold = *output.gifThreshold;
     if (output.gifMatte) options.gif.matte = output.gifMatte->Rgb();
     if (output.gifNoDither) options.gif.dither = false;
+    options.jp2Gray = output.jp2Gray;
     if (output.gifOpaque) options.gif.transparency = false;
     const DibView view(picture);
     if (output.lossy)
@@ -71,12 +72,12 @@ PictureSaveOptions SaveOptions(Run& run, const PictureOutput& output, const DibB
 }
 
 // Depth in the file of a block of so many bits.
-int WrittenBits(int kind, int bits) {
+int WrittenBits(int kind, int bits, bool jp2Gray) {
     switch (kind) {
     case kKindGif: return std::min(bits, 8);
     case kKindPsd: return 32;
-    case kKindJpeg:
-    case kKindJpeg2000: return std::max(bits, 24);
+    case kKindJpeg: return 24;
+    case kKindJpeg2000: return jp2Gray && bits == 8 ? 8 : std::max(bits, 24);
     default: return bits;
     }
 }
@@ -142,6 +143,7 @@ void PictureOutput::Declare(VerbSetup& setup) {
     setup.Choice("--as", as, PictureFormatChoices(), "what to write (default: by the name of the output)");
     setup.Number("--quality", quality, 1, 100, "of a JPEG");
     setup.Number("--lossy", lossy, 0, 100, "compress a JPEG 2000 with loss; the higher, the larger the file");
+    setup.Flag("--jp2-gray", jp2Gray, "an 8-bit picture as one gray component, its indices the grays");
     setup.Number("--gif-colors", gifColors, 2, 256, "size of a GIF's palette");
     setup.Choice<std::optional<PaletteKind>>("--gif-palette", gifPalette,
                                              {{"adaptive", PaletteKind::Adaptive},
@@ -194,7 +196,7 @@ void WritePictureOutput(Run& run, const std::string& input, std::string_view suf
     WriteOutput(run, path, file);
     if (run.Options().dryRun || path == "-") return;
     run.Note(fmt::format("{}  {}x{}, {} bits", Printable(path), DIBWidth(picture), DIBHeight(picture),
-                         WrittenBits(saver->kind, DIBBitCount(converted ? converted : picture))));
+                         WrittenBits(saver->kind, DIBBitCount(converted ? converted : picture), output.jp2Gray)));
 }
 
 } // namespace pelorin::cli

@@ -41,7 +41,7 @@ struct PictureOutput {
     std::optional<int> gifColors, gifThreshold;
     std::optional<PaletteKind> gifPalette;
     std::optional<Color> gifMatte, background;
-    bool gifNoDither = false, gifOpaque = false;
+    bool gifNoDither = false, gifOpaque = false, jp2Gray = false;
 
     /// True when an option asks for another palette of a GIF than the one that it comes with.
     [[nodiscard]] bool ChangesGifPalette() const {

@@ -143,6 +143,14 @@ DibBlock MonoPicture(const DibBlock& block, bool dither) {
     return dither ? DitherMono(opaque) : ThresholdToMono(opaque);
 }
 
+DibBlock FlattenPicture(const DibBlock& block, Rgb background) {
+    return ComposeTo24(Working(block), ColorRefFromRgb(background));
+}
+
+DibBlock WidenPicture(const DibBlock& block) {
+    return With32(block);
+}
+
 DibBlock KeyPicture(const DibBlock& block, Rgb key) {
     return ConvertTo32(Working(block), true, ColorRefFromRgb(key));
 }

@@ -40,6 +40,11 @@ namespace pelorin {
 /// Black and white at 8 bpp, alpha composed on white.
 [[nodiscard]] DibBlock MonoPicture(const DibBlock& block, bool dither);
 
+/// 24 bits, alpha composed on the background.
+[[nodiscard]] DibBlock FlattenPicture(const DibBlock& block, Rgb background);
+/// 32 bits, opaque where the picture has no alpha.
+[[nodiscard]] DibBlock WidenPicture(const DibBlock& block);
+
 /// A 32-bpp picture that grows transparent near the key colour, by hue and lightness.
 [[nodiscard]] DibBlock KeyPicture(const DibBlock& block, Rgb key);
 /// A 32-bpp picture that is transparent where 2 x (|dr| + |dg| + |db|) from the key is at most `tolerance`.

@@ -56,6 +56,20 @@ TEST_F(ImageVerb, PalettesAndFormatsWithoutAlpha) {
     EXPECT_EQ(DIBBitCount(Load("j.jpg")), 24);
 }
 
+TEST_F(ImageVerb, DepthsThatArePersonsChoice) {
+    ASSERT_EQ(Run({"in.png", "f.png", "--depth", "24,00FF00"}).exitCode, 0);
+    EXPECT_EQ(DIBBitCount(Load("f.png")), 24);
+    EXPECT_EQ(test::At(Load("f.png"), 7, 0), 0xFF007F80u);
+    ASSERT_EQ(Run({"f.png", "w.png", "--depth", "32"}).exitCode, 0);
+    EXPECT_EQ(DIBBitCount(Load("w.png")), 32);
+    ASSERT_EQ(Run({"in.png", "w.png", "-f", "--depth", "24"}).exitCode, 0);
+    EXPECT_EQ(test::At(Load("w.png"), 7, 0), 0xFF7F7FFFu) << "white unless the settings say otherwise";
+    ASSERT_EQ(Run({"f.png", "g.jp2", "--mono", "--jp2-gray"}).exitCode, 0);
+    EXPECT_EQ(DIBBitCount(Load("g.jp2")), 8);
+    ASSERT_EQ(Run({"f.png", "c.jp2", "--mono"}).exitCode, 0);
+    EXPECT_EQ(DIBBitCount(Load("c.jp2")), 24);
+}
+
 TEST_F(ImageVerb, WhatIsTransparentEverywhereStaysSo) {
     Bytes file;
     ASSERT_EQ(EncodePicture(CreateDIB(3, 2, 32), 15, {}, file), 0);
@@ -74,6 +88,7 @@ TEST_F(ImageVerb, SaysWhatIsWrong) {
     const Row rows[] = {
         {{"in.png", "x.png", "--filter", "blurr"}, 2, "did you mean"},
         {{"in.png", "x.png", "--brightness", "200"}, 2, "--brightness: 200 is not between"},
+        {{"in.png", "x.png", "--depth", "16"}, 2, "--depth: 32, 24"},
         {{"in.png", "x.png", "--smooth"}, 2, "--smooth stands behind"},
         {{"in.png", "x.png", "--reduce", "8", "--palette", "none.act"}, 2, "none.act"},
         {{"in.png", "x.png", "--crop", "9,0,4,4"}, 1, "--crop 9,0,4,4 cannot be done"},

@@ -55,6 +55,8 @@ TEST(PictureSteps, TakeEveryDepth) {
         {"mono", [](const DibBlock& b) { return MonoPicture(b, true); }, {12, 6}, 8, 8},
         {"key", [](const DibBlock& b) { return KeyPicture(b, 0xFF00FF); }, {12, 6}, 32, 32},
         {"sharp key", [](const DibBlock& b) { return KeyPicture(b, 0xFF00FF, 4); }, {12, 6}, 32, 32},
+        {"flatten", [](const DibBlock& b) { return FlattenPicture(b, 0xFF00FF); }, {12, 6}, 24, 24},
+        {"widen", WidenPicture, {12, 6}, 32, 32},
         {"shadow", ShadowPicture, {14, 8}, 32, 32},
     };
     for (const auto& row : rows) {
