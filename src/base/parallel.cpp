@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <exception>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -15,13 +17,22 @@ void ParallelFor(std::size_t count, unsigned jobs, const std::function<void(std:
     const auto wanted = jobs == 0 ? CoreCount() : jobs;
     const auto threads = static_cast<unsigned>(std::min<std::size_t>(wanted, count));
     std::atomic<std::size_t> next{0};
+    std::once_flag failed;
+    std::exception_ptr failure;
     const auto run = [&] {
-        for (std::size_t i = next++; i < count; i = next++) work(i);
+        try {
+            for (std::size_t i = next++; i < count; i = next++) work(i);
+        } catch (...) {
+            std::call_once(failed, [&] { failure = std::current_exception(); });
+            next = count;
+        }
     };
-    std::vector<std::thread> others;
-    for (unsigned i = 1; i < threads; ++i) others.emplace_back(run);
-    run();
-    for (auto& thread : others) thread.join();
+    {
+        std::vector<std::jthread> others;
+        for (unsigned i = 1; i < threads; ++i) others.emplace_back(run);
+        run();
+    }
+    if (failure) std::rethrow_exception(failure);
 }
 
 } // namespace pelorin

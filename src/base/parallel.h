@@ -10,7 +10,8 @@ namespace pelorin {
 [[nodiscard]] unsigned CoreCount();
 
 /// Calls `work(i)` for every i below `count`, on at most `jobs` threads (0: one a core), in no particular order; with
-/// one job in order, on the calling thread. `work` must not throw. Returns when all calls have returned.
+/// one job in order, on the calling thread. Returns when all calls have returned. What `work` throws first ends the
+/// work, as soon as the calls under way have returned, and is thrown again from here.
 void ParallelFor(std::size_t count, unsigned jobs, const std::function<void(std::size_t)>& work);
 
 } // namespace pelorin

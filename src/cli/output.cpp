@@ -14,11 +14,13 @@ std::string FreeName(Run& run, const std::string& folder, const std::string& ste
         const bool exists = force ? FolderExists(path) : PathExists(path);
         return !exists && run.Claim(path);
     };
+    run.AwaitTurn();
     auto path = JoinPath(folder, fmt::format("{}.{}", stem, extension));
     for (int counter = 2; !free(path); ++counter) {
         if (counter == 100000) throw FileException("no free name is left for \"" + stem + "\"");
         path = JoinPath(folder, fmt::format("{} ({}).{}", stem, counter, extension));
     }
+    run.PassTurn();
     return path;
 }
 

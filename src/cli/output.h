@@ -12,7 +12,8 @@ namespace pelorin::cli {
 /// - else the derived name in the current folder.
 /// The derived name is the input's stem, `suffix` and the extension ("photo", "_2", "ico": photo_2.ico); where such a
 /// file exists and --force is not given, a counter from 2 makes it new: "photo_2 (2).ico".
-/// No two calls of one run give the same derived name, not with --force either. Safe on any thread.
+/// No two calls of one run give the same derived name, not with --force either. Safe on any thread; of files that are
+/// worked on at once, each waits for those before it, so that names do not change from run to run.
 /// Throws `FileException` when the folder cannot be made or no name is free.
 [[nodiscard]] std::string OutputPath(Run& run, std::string_view input, std::string_view suffix,
                                      std::string_view extension, bool several);

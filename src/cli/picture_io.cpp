@@ -169,8 +169,8 @@ int PictureOutput::KindFor(const Run& run, const std::string& input, bool severa
     return PictureSaverOfKind(GetFileKind(input)) && toFile ? int{GetFileKind(input)} : int{kKindPng};
 }
 
-void WritePictureOutput(Run& run, const std::string& input, std::string_view suffix, const DibBlock& picture,
-                        const PictureOutput& output, bool several, const PictureFacts& facts) {
+std::string WritePictureOutput(Run& run, const std::string& input, std::string_view suffix, const DibBlock& picture,
+                               const PictureOutput& output, bool several, const PictureFacts& facts) {
     const auto* saver = PictureSaverOfKind(output.KindFor(run, input, several));
     const auto path = OutputPath(run, input, suffix, saver->extension, several);
     if (facts.kind == kKindPsd && facts.layers.size() > 1 && SameFile(path, input))
@@ -194,9 +194,9 @@ void WritePictureOutput(Run& run, const std::string& input, std::string_view suf
     if (code != 0 || file.empty())
         throw FileException(fmt::format("it cannot be written as {} (error code {})", saver->name, code));
     WriteOutput(run, path, file);
-    if (run.Options().dryRun || path == "-") return;
-    run.Note(fmt::format("{}  {}x{}, {} bits", Printable(path), DIBWidth(picture), DIBHeight(picture),
-                         WrittenBits(saver->kind, DIBBitCount(converted ? converted : picture), output.jp2Gray)));
+    if (!run.NotesOf(path)) return {};
+    return fmt::format("{}  {}x{}, {} bits\n", Printable(path), DIBWidth(picture), DIBHeight(picture),
+                       WrittenBits(saver->kind, DIBBitCount(converted ? converted : picture), output.jp2Gray));
 }
 
 } // namespace pelorin::cli

@@ -55,9 +55,10 @@ struct PictureOutput {
 
 /// Writes the picture by the rules of `OutputPath`, at a depth that the format takes: transparency is composed on the
 /// background where the format has none. `facts` are those of the file that the picture came from as it stands; a GIF
-/// then keeps its palette on the way to a GIF. Tells size and depth of what was written. Throws `FileException`; so for
-/// a Photoshop file with several layers that would be written over.
-void WritePictureOutput(Run& run, const std::string& input, std::string_view suffix, const DibBlock& picture,
-                        const PictureOutput& output, bool several, const PictureFacts& facts);
+/// then keeps its palette on the way to a GIF. Gives the note on what was written. Throws `FileException`; so for a
+/// Photoshop file with several layers that would be written over.
+[[nodiscard]] std::string WritePictureOutput(Run& run, const std::string& input, std::string_view suffix,
+                                             const DibBlock& picture, const PictureOutput& output, bool several,
+                                             const PictureFacts& facts);
 
 } // namespace pelorin::cli

@@ -15,6 +15,28 @@
 
 namespace pelorin::cli {
 
+namespace {
+
+// Which file of `Run::ForEachAtOnce` this thread works on.
+constexpr std::size_t kNoPlace = SIZE_MAX;
+thread_local std::size_t t_place = kNoPlace;
+
+class Place {
+public:
+    Place(Run& run, std::size_t place) : m_run(run) { t_place = place; }
+    ~Place() {
+        m_run.PassTurn();
+        t_place = kNoPlace;
+    }
+    Place(const Place&) = delete;
+    Place& operator=(const Place&) = delete;
+
+private:
+    Run& m_run;
+};
+
+} // namespace
+
 std::string Printable(std::string_view text) {
     std::string out;
     for (const char c : DecodeText(text)) {
@@ -96,13 +118,32 @@ void Run::ForEach(const std::vector<std::string>& files, const std::function<voi
     for (const auto& file : files) Attempt(file, [&] { work(file); });
 }
 
+void Run::AwaitTurn() {
+    if (t_place == kNoPlace) return;
+    std::unique_lock lock(m_turnMutex);
+    m_turnPassed.wait(lock, [&] { return m_turn >= t_place; });
+}
+
+void Run::PassTurn() {
+    if (t_place == kNoPlace) return;
+    const std::lock_guard lock(m_turnMutex);
+    m_passed[t_place] = true;
+    while (m_turn < m_passed.size() && m_passed[m_turn]) ++m_turn;
+    m_turnPassed.notify_all();
+}
+
 void Run::ForEachAtOnce(std::string_view title, const std::vector<std::string>& files,
                         const std::function<std::string(const std::string&)>& work) {
     std::mutex order;
     std::vector<std::optional<std::string>> texts(files.size());
     std::size_t printed = 0, done = 0;
-    ProgressScope progress(m_progress.get(), title, files.size());
-    ParallelFor(files.size(), m_options.jobs, [&](std::size_t i) {
+    m_passed.assign(files.size(), false);
+    m_turn = 0;
+    m_severalAtOnce = files.size() > 1;
+    ProgressScope progress(m_severalAtOnce ? m_progress.get() : nullptr, title, files.size());
+    // What would be done is told in order.
+    ParallelFor(files.size(), m_options.dryRun ? 1 : m_options.jobs, [&](std::size_t i) {
+        const Place place(*this, i);
         std::string text;
         Attempt(files[i], [&] { text = work(files[i]); });
         const std::lock_guard lock(order);
@@ -114,6 +155,7 @@ void Run::ForEachAtOnce(std::string_view title, const std::vector<std::string>& 
             texts[printed]->shrink_to_fit();
         }
     });
+    m_severalAtOnce = false;
 }
 
 void Run::Flush() {

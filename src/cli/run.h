@@ -5,6 +5,7 @@
 #include "cli/verb_setup.h"
 
 #include <atomic>
+#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -32,6 +33,10 @@ public:
     void Print(std::string_view text);
     /// What a person likes to know ("logo.ico  9 formats, 22 KB"): a line on standard output, not with --quiet.
     void Note(std::string_view line);
+    /// Whether a note is due on a file that was written there: not with --dry-run, nor of standard output.
+    [[nodiscard]] bool NotesOf(std::string_view path) const {
+        return !m_options.quiet && !m_options.dryRun && path != "-";
+    }
     /// The same, only with --verbose.
     void Detail(std::string_view line);
     /// "pelorin-cli: FILE: reason" on standard error; the exit code will be 1.
@@ -42,6 +47,10 @@ public:
 
     /// True when no file of this run has taken the path yet; from now on it is taken.
     [[nodiscard]] bool Claim(const std::string& path);
+    /// Inside `ForEachAtOnce`: returns when all files before this one are done or have passed, so that what they take
+    /// does not depend on who is quicker. At once elsewhere.
+    void AwaitTurn();
+    void PassTurn();
 
     /// Calls `work`; what file and archive code throws, and memory that is not there, becomes `Fail` for `file`. True
     /// when nothing was thrown.
@@ -53,8 +62,9 @@ public:
     void ForEachAtOnce(std::string_view title, const std::vector<std::string>& files,
                        const std::function<std::string(const std::string& file)>& work);
 
-    /// For long work on this thread; a bar on a terminal, else nothing. Never null.
-    [[nodiscard]] Progress* GetProgress() { return m_progress.get(); }
+    /// For long work on this thread; a bar on a terminal, else nothing, as for one of several files that are worked on
+    /// at once. Never null.
+    [[nodiscard]] Progress* GetProgress() { return m_severalAtOnce ? &m_noProgress : m_progress.get(); }
 
     /// Writes what is kept back. Throws `FileException`.
     void Flush();
@@ -70,6 +80,12 @@ private:
     std::atomic<bool> m_failed = false;
     bool m_outputIsTerminal;
     std::unique_ptr<Progress> m_progress;
+    NoProgress m_noProgress;
+    bool m_severalAtOnce = false;
+    std::mutex m_turnMutex;
+    std::condition_variable m_turnPassed;
+    std::vector<bool> m_passed; ///< of the files of `ForEachAtOnce`
+    std::size_t m_turn = 0;     ///< the first that has not passed
 };
 
 } // namespace pelorin::cli

@@ -29,10 +29,10 @@ DibBlock ReadSource(Run& run, const ConvertOptions& options, const std::string& 
     return ReadPictureInput(run, file, input, facts);
 }
 
-void Convert(Run& run, const ConvertOptions& options, const std::string& file) {
+std::string Convert(Run& run, const ConvertOptions& options, const std::string& file) {
     PictureFacts facts;
     const auto picture = ReadSource(run, options, file, true, facts);
-    WritePictureOutput(run, file, {}, picture, options.output, options.files.size() > 1, facts);
+    return WritePictureOutput(run, file, {}, picture, options.output, options.files.size() > 1, facts);
 }
 
 // The images of an object go over as they stand, with their layers; the first object gives its description too.
@@ -79,6 +79,7 @@ VerbAction SetUpConvert(VerbSetup& setup) {
     auto options = std::make_shared<ConvertOptions>();
     setup.Inputs("FILE", options->files, "pictures and files that carry icons; of two the second is the output");
     setup.MakesFiles();
+    setup.UsesCores();
     setup.SecondInputIsOutput(options->files);
     setup.Option(
         "--formats", options->formats, "WxHxBITS,...",
@@ -99,7 +100,8 @@ VerbAction SetUpConvert(VerbSetup& setup) {
             ConvertToIcons(run, options->files, target, options->formats);
             return;
         }
-        run.ForEach(options->files, [&](const std::string& file) { Convert(run, *options, file); });
+        run.ForEachAtOnce("pictures", options->files,
+                          [&](const std::string& file) { return Convert(run, *options, file); });
     };
 }
 

@@ -151,8 +151,8 @@ const IconFileForm& WantedForm(const CreateOptions& options, const std::string& 
     return *form;
 }
 
-void CreateOne(Run& run, const std::string& picture, const CreateOptions& options, const FromImageOptions& making,
-               std::span<const SizeArt> art, const IconFileForm& form) {
+std::string CreateOne(Run& run, const std::string& picture, const CreateOptions& options,
+                      const FromImageOptions& making, std::span<const SizeArt> art, const IconFileForm& form) {
     const SourceFile file(picture);
     auto formats = CreateFormats(
         file, [&](Size size) { return ReadSource(file, size, options); }, art, making);
@@ -163,7 +163,7 @@ void CreateOne(Run& run, const std::string& picture, const CreateOptions& option
     const auto bytes = form.write(group, path);
     if (bytes.empty()) throw FileException("the icon cannot be kept in a file of this kind");
     WriteOutput(run, path, bytes);
-    if (path != "-") run.Note(Summary(path, group, bytes.size()));
+    return run.NotesOf(path) ? Summary(path, group, bytes.size()) + "\n" : std::string();
 }
 
 } // namespace
@@ -203,8 +203,7 @@ VerbAction SetUpCreate(VerbSetup& setup) {
         std::vector<SizeArt> art;
         if (!run.Attempt("--per-size", [&] { art = ReadArt(*options); })) return;
         run.ForEachAtOnce("icons", options->pictures, [&](const std::string& picture) {
-            CreateOne(run, picture, *options, making, art, form);
-            return std::string();
+            return CreateOne(run, picture, *options, making, art, form);
         });
     };
 }

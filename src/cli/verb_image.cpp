@@ -28,14 +28,15 @@ DibBlock ReadForChain(Run& run, const std::string& file, const PictureInput& inp
     return block;
 }
 
-void Change(Run& run, const std::string& file, const ImageOptions& options, const std::vector<NamedStep>& chain) {
+std::string Change(Run& run, const std::string& file, const ImageOptions& options,
+                   const std::vector<NamedStep>& chain) {
     PictureFacts facts;
     auto picture = ReadForChain(run, file, options.input, facts);
     for (const auto& [text, step] : chain) {
         picture = step(picture);
         if (!picture) throw FileException(fmt::format("{} cannot be done to this picture", text));
     }
-    WritePictureOutput(run, file, {}, picture, options.output, options.files.size() > 1, facts);
+    return WritePictureOutput(run, file, {}, picture, options.output, options.files.size() > 1, facts);
 }
 
 } // namespace
@@ -44,6 +45,7 @@ VerbAction SetUpImage(VerbSetup& setup) {
     auto options = std::make_shared<ImageOptions>();
     setup.Inputs("PICTURE", options->files, "picture files; of two names without -o the second is the output");
     setup.MakesFiles();
+    setup.UsesCores();
     setup.SecondInputIsOutput(options->files);
     options->input.Declare(setup);
     options->output.Declare(setup);
@@ -53,7 +55,8 @@ VerbAction SetUpImage(VerbSetup& setup) {
                  "  pelorin-cli image *.png -o small/ --resize 32 --filter sharpen --reduce 16 --dither");
     return [options](Run& run) {
         const auto chain = MakePictureChain(options->operations);
-        run.ForEach(options->files, [&](const std::string& file) { Change(run, file, *options, chain); });
+        run.ForEachAtOnce("pictures", options->files,
+                          [&](const std::string& file) { return Change(run, file, *options, chain); });
     };
 }
 

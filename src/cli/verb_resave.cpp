@@ -25,7 +25,7 @@ std::string Resave(Run& run, const std::string& input, const ResaveOptions& opti
     if (file.empty()) throw FileException("the icon is too large for an icon file");
     const auto path = OutputPath(run, input, "", "ico", options.files.size() > 1);
     WriteOutput(run, path, file);
-    if (run.Options().quiet || run.Options().dryRun || path == "-") return {};
+    if (!run.NotesOf(path)) return {};
     return fmt::format("{}  {}, {}\n", Printable(path), group.GetSizeText(), BytesText(file.size()));
 }
 

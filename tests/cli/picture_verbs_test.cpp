@@ -120,6 +120,27 @@ TEST_F(PictureVerbs, ObjectsTakeAllPictures) {
     EXPECT_THAT(Run({"info", "empty.vio"}).out, HasSubstr("height      9"));
 }
 
+TEST_F(PictureVerbs, ManyAtOnceGoByTheirOrder) {
+    // The first of each pair takes much longer.
+    std::vector<std::string> files;
+    for (int i = 0; i < 4; ++i) {
+        const auto folder = "d" + std::to_string(i) + "/";
+        ASSERT_TRUE(CreateFolders(m_folder.Path(folder)));
+        Put(folder + "a.png", 15, CreateDIB(i % 2 == 0 ? 900 : 3 + i, 900, 24));
+        files.push_back(folder + "a.png");
+    }
+    std::vector<std::string> arguments = {"image", "-j", "4", "-o", "out"};
+    arguments.insert(arguments.end(), files.begin(), files.end());
+    const auto result = Run(arguments);
+    EXPECT_EQ(result.out, "out/a.png  900x900, 24 bits\nout/a (2).png  4x900, 24 bits\n"
+                          "out/a (3).png  900x900, 24 bits\nout/a (4).png  6x900, 24 bits\n");
+    for (const auto* verb : {"create", "image", "convert"}) {
+        const auto refused = Run({verb, files[1], files[3], "-o", "-"});
+        EXPECT_EQ(refused.exitCode, 2) << verb;
+        EXPECT_EQ(refused.err, "pelorin-cli: several files cannot go to standard output\n");
+    }
+}
+
 TEST_F(PictureVerbs, LayersAreNotLostUnseen) {
     using namespace test::psd;
     const auto layers = LayerBlock(
