@@ -11,7 +11,7 @@
 //
 // The rooms of the player, in `formats/metafile/`: `player` (records of both kinds), `painter` (the drawing context:
 // objects, mapping, paths, clips, text, bitmaps), `raster` and `curves` (figures into pixels), `canvas` (pixels, clip,
-// raster operations), `face` (letters).
+// raster operations), `shrink` (bitmaps drawn smaller), `face` (letters).
 #pragma once
 
 #include "formats/picture_reader.h"

@@ -162,14 +162,21 @@ TEST(MetafileAreas, MasksChooseTheOperationAndSlantedAreasTurn) {
     EXPECT_EQ(Drawing(Play(turned.Done(), 2)), "br\nmg\n");
 }
 
-TEST(MetafileAreas, HalftonesAverageWhatGetsSmaller) {
-    for (const int mode : {3, 4}) {
-        auto emf = EmfBuilder(1, 1).Record(21, {mode});
-        emf.Record(81, kBounds + Words{0, 0, 0, 0, 2, 2, 80, 40, 120, 16, 0, 0xCC0020, 1, 1} +
-                           Bitmap(2, 2, {0xFF0000, 0x0000FF, 0xFF0000, 0x0000FF}));
-        const auto color = At(Play(emf.Done(), 1), 0, 0);
-        EXPECT_EQ(color == 0xFF7F007F, mode == 4) << color;
-    }
+TEST(MetafileAreas, BitmapsThatGetSmallerKeepWhatTheirModeSays) {
+    const auto play = [](int mode, const Words& pixels) {
+        const int width = static_cast<int>(pixels.size());
+        auto emf = EmfBuilder(2, 1).Record(21, {3}).Record(21, {mode});
+        emf.Record(81, kBounds + Words{0, 0, 0, 0, width, 1, 80, 40, 120, width * 4, 0, 0xCC0020, 2, 1} +
+                           Bitmap(width, 1, pixels));
+        return Play(emf.Done(), 2);
+    };
+    const Words lines = {0xFFFFFF, 0, 0, 0xFFFFFF}, colors = {0xFF0000, 0x0000FF, 0x0000FF, 0xFF0000};
+    EXPECT_EQ(Drawing(play(1, lines)), "kk\n") << "black stays";
+    EXPECT_EQ(Drawing(play(2, lines)), "ww\n") << "white stays";
+    for (const int mode : {3, 0, 5}) EXPECT_EQ(Drawing(play(mode, lines)), "kw\n") << mode;
+    EXPECT_EQ(Drawing(play(1, colors)), "br\n") << "colours are not mixed up";
+    EXPECT_EQ(At(play(4, colors), 0, 0), 0xFF7F007Fu) << "the mean";
+    EXPECT_EQ(Drawing(play(4, {0xFF0000, 0x0000FF, 0x0000FF})), "rb\n") << "one and a half to a pixel";
 }
 
 TEST(MetafileAreas, SourcesHaveUnitsOfTheirOwnAndTablesMayBreakOff) {
@@ -212,11 +219,16 @@ TEST(MetafileAreas, BrushesAndPensOfAllKinds) {
     emf.Record(95, Words{3, 52, 40, 92, 8, 0x10200, 2, 5, 0, 0, 0} + Bitmap(2, 1, {0x00FF00, 0}));
     emf.Record(37, {3}).Record(27, {0, 3}).Record(54, {4, 3});
     EXPECT_EQ(Drawing(Play(emf.Done(), 4)), "rbrb\n....\ngkgk\ngkgk\n");
-    // One bit: its numbers are the colours of text and ground, whatever the table says.
-    auto two = EmfBuilder(2, 1).Fill(0).Record(24, {0xFF00}).Record(25, {0xFF0000});
+    // One bit: its numbers are the colours that text and ground have while it is used, whatever the table says.
+    auto two = EmfBuilder(2, 1).Fill(0);
     two.Record(93,
                Words{2, 0, 32, 48, 80, 4} + Words{40, 2, 1, 1 | 1 << 16, 0, 0, 0, 0, 0, 0, 0x123456, 0x654321, 0x40});
-    EXPECT_EQ(Drawing(Play(two.Record(37, {2}).Record(43, {0, 0, 2, 2}).Done(), 2)), "gb\n");
+    two.Record(37, {2}).Record(24, {0xFF00}).Record(25, {0xFF0000}).Record(43, {0, 0, 2, 2});
+    EXPECT_EQ(Drawing(Play(two.Done(), 2)), "gb\n");
+    auto device = Placeable(2, 1, 96).Fill(0, 0, 0, 0);
+    device.Record(0x01F9, Words{0, 2, 1, 2, 1 | 1 << 8} + Words(11) + Words{0x40}).Record(0x012D, {2});
+    device.Record(0x0209, {0xFF00, 0}).Record(0x0201, {0, 0xFF}).Record(0x041B, {3, 3, 0, 0});
+    EXPECT_EQ(Drawing(Play(device.Done(), 2)), "gb\n");
 }
 
 TEST(MetafileFigures, ArcsToTheSameDirectionGoAllTheWayRound) {
@@ -224,6 +236,11 @@ TEST(MetafileFigures, ArcsToTheSameDirectionGoAllTheWayRound) {
     emf.Record(45, {2, 2, 16, 16, 30, 30, 50, 50});
     const auto block = Play(emf.Done(), 20);
     for (const auto& p : {Point{2, 9}, Point{9, 2}, Point{16, 9}, Point{9, 16}}) EXPECT_EQ(At(block, p.x, p.y), kBlack);
+}
+
+TEST(MetafileFigures, PointsWithKindsCloseTheirFiguresOutsideOfPathsToo) {
+    auto emf = EmfBuilder(5, 5).Record(56, kBounds + Words{3, 0, 0, 4, 0, 4, 4, 6 | 2 << 8 | 3 << 16});
+    EXPECT_EQ(Drawing(Play(emf.Done(), 5)), "kkkkk\n.k..k\n..k.k\n...kk\n....k\n");
 }
 
 TEST(MetafileFigures, ManyClipsDoNotUseUpTheWork) {
@@ -292,6 +309,31 @@ TEST(MetafileText, AllRecordsOfTextDrawTheSame) {
     const auto row = risen.substr(33 * 5, 32); // above the first letter
     EXPECT_EQ(row.substr(0, 14).find('k'), std::string::npos);
     EXPECT_NE(row.substr(14).find('k'), std::string::npos);
+}
+
+// Two letters from (12, 12) on with a font of that angle and these advances.
+std::string TwoLetters(EmfBuilder emf, int up, int angle, int firstAdvance, int secondAdvance) {
+    emf.Record(18, {1}).Record(82, Words{1, -14, 0, angle, 0, 400, 0, 0} + Words(60)).Record(37, {1});
+    emf.Record(84, kBounds + Words{1, 0, 0, 12, 12 * up, 2, 76, 0, 0, 0, 0, 0, 80, 'M' | 'i' << 16, firstAdvance,
+                                   secondAdvance});
+    return Drawing(Play(emf.Done(), 32));
+}
+
+TEST(MetafileText, MirroredMappingsTurnFontsTheOtherWay) {
+    auto upwards = EmfBuilder(32, 32);
+    upwards.Record(17, {8}).Record(9, {32, -32}).Record(11, {32, 32});
+    for (const auto& drawing : {TwoLetters(upwards, -1, 2700, 11, 4), TwoLetters(EmfBuilder(32, 32), 1, 900, 11, 4)}) {
+        EXPECT_NE(drawing.find('k'), std::string::npos);
+        EXPECT_LT(drawing.rfind('k'), std::size_t{33 * 13}) << drawing;
+    }
+}
+
+TEST(MetafileText, LettersKeepToTheRoomThatTheyHave) {
+    // Plenty of room for both, little for the first, which would reach over the second.
+    const auto drawing = TwoLetters(EmfBuilder(32, 32), 1, 0, 6, 30);
+    for (std::size_t row = 0; row < 32; ++row)
+        EXPECT_EQ(drawing.substr(33 * row + 20, 12).find('k'), std::string::npos);
+    EXPECT_NE(drawing.find('k'), std::string::npos);
 }
 
 TEST(MetafileText, CharacterSets) {

@@ -57,6 +57,7 @@ bool Ink::ColorAt(int x, int y, Rgb& result) const {
         return opaque || result != ground || OnHatch(hatch, x, y);
     case Kind::Picture:
         result = picture->At(Modulo(x, picture->Width()), Modulo(y, picture->Height())) & 0xFFFFFF;
+        if (twoColors) result = result == 0 ? color : ground;
         return true;
     }
     return false;

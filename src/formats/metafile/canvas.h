@@ -39,6 +39,7 @@ struct Ink {
     bool opaque = true; ///< a hatch paints `ground` between its lines
     Rgb ground = 0xFFFFFF;
     std::shared_ptr<const Surface> picture{};
+    bool twoColors = false; ///< black pixels of the picture are `color`, all others `ground`
     Point origin{};
 
     /// True with the colour of a pixel; false where the hatch leaves it free.

@@ -68,7 +68,7 @@ void CreateTwoColorPattern(Emf& emf, ByteReader& in) {
     const auto numbers = std::make_shared<const std::vector<Rgb>>(std::vector<Rgb>{0, 0xFFFFFF});
     auto picture = DecodeDib(emf.Part(places.header, places.headerSize), emf.Part(places.rows, places.rowsSize),
                              DibTable::None, numbers);
-    emf.painter.SetObject(index, MakeTwoColorBrush(Charged(emf.painter.Target(), std::move(picture), 1), emf.Now()));
+    emf.painter.SetObject(index, MakeTwoColorBrush(Charged(emf.painter.Target(), std::move(picture), 1)));
 }
 
 void CreateFont(Emf& emf, ByteReader& in) {

@@ -42,16 +42,21 @@ template <auto ReadPoint, std::size_t Bytes>
 void PolyDraw(Emf& emf, ByteReader& in) {
     const auto points = ReadPoly<ReadPoint, Bytes>(in);
     Points curve;
+    auto first = emf.Now().position;
     for (const auto& point : points) {
         const auto kind = in.U8();
-        if (kind == 6) emf.painter.MoveTo(point);
+        if (kind == 6) {
+            emf.painter.MoveTo(point);
+            first = point;
+            continue;
+        }
         if ((kind & 6) == 2) emf.painter.LineTo(point);
         if ((kind & 6) == 4) curve.push_back(point);
         if (curve.size() == 3) {
             emf.painter.PolyBezier(curve, true);
             curve.clear();
         }
-        if (kind != 6 && (kind & 1)) emf.painter.CloseFigure();
+        if (kind & 1) emf.painter.CloseTo(first);
     }
 }
 
@@ -129,7 +134,7 @@ constexpr Row kRows[] = {
     {18, [](Emf& e, ByteReader& in) { e.Now().opaque = in.U32LE() != 1; }},
     {19, [](Emf& e, ByteReader& in) { e.Now().winding = in.U32LE() == 2; }},
     {20, [](Emf& e, ByteReader& in) { e.Now().rop = RopOfPen(in.U32LE()); }},
-    {21, [](Emf& e, ByteReader& in) { e.Now().smoothShrink = in.U32LE() == 4; }},
+    {21, [](Emf& e, ByteReader& in) { SetShrinking(e.Now(), in.U32LE()); }},
     {22, [](Emf& e, ByteReader& in) { e.Now().textAlign = in.U32LE(); }},
     {24, [](Emf& e, ByteReader& in) { e.Now().textColor = e.Color(in); }},
     {25, [](Emf& e, ByteReader& in) { e.Now().ground = e.Color(in); }},

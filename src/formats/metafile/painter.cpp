@@ -176,6 +176,7 @@ std::vector<PointF> Painter::Mapped(const std::vector<PointF>& points) const {
 Ink Painter::Dressed(Ink ink) const {
     ink.opaque = m_now.opaque;
     ink.ground = m_now.ground;
+    if (ink.twoColors) ink.color = m_now.textColor;
     ink.origin = m_now.brushOrigin;
     return ink;
 }

@@ -102,6 +102,8 @@ public:
     void BeginPath();
     void EndPath() { m_pathOpen = false; }
     void CloseFigure();
+    /// Closes the figure of the path; outside of paths it draws the line back to where the figure began.
+    void CloseTo(PointF first);
     void AbortPath();
     /// The path becomes the outline of its lines drawn with the pen.
     void WidenPath();

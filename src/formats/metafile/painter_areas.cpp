@@ -26,24 +26,25 @@ bool IsChosen(const BlitMask& mask, Point place, PointF from) {
     return (mask.bits.At(static_cast<int>(x), static_cast<int>(y)) & 0xFFFFFF) != 0;
 }
 
-// Every pixel is the mean of so many; those of the last column and row of fewer.
-Surface Averaged(const Surface& source, int timesX, int timesY) {
-    Surface small((source.Width() + timesX - 1) / timesX, (source.Height() + timesY - 1) / timesY);
-    for (int y = 0; y < small.Height(); ++y) {
-        for (int x = 0; x < small.Width(); ++x) {
-            const int right = std::min(source.Width(), (x + 1) * timesX),
-                      bottom = std::min(source.Height(), (y + 1) * timesY);
-            unsigned sums[3] = {}, count = 0;
-            for (int row = y * timesY; row < bottom; ++row) {
-                for (int column = x * timesX; column < right; ++column, ++count) {
-                    const auto color = source.At(column, row);
-                    for (unsigned i = 0; i < 3; ++i) sums[i] += color >> 8 * i & 255;
-                }
-            }
-            small.Put(x, y, 0xFF000000u | sums[2] / count << 16 | sums[1] / count << 8 | sums[0] / count);
-        }
-    }
-    return small;
+// The part of a source that an area shows, as small as the box wants it; empty where nothing is to be put together.
+struct ShrunkPart {
+    Surface picture;
+    PointF from, size; // the area's in it
+};
+
+ShrunkPart ShrinkToBox(const BlitArea& area, const Transform& box, const Surface& source, Shrinking how) {
+    const PointF to{area.from.x + area.sourceSize.x, area.from.y + area.sourceSize.y};
+    const Rect part = Rect{ToPixel(std::min(area.from.x, to.x)), ToPixel(std::min(area.from.y, to.y)),
+                           ToPixel(std::max(area.from.x, to.x)), ToPixel(std::max(area.from.y, to.y))}
+                          .Intersect({0, 0, source.Width(), source.Height()});
+    const double scaleX = std::min(1.0, std::hypot(box.a, box.b) / std::abs(area.sourceSize.x)),
+                 scaleY = std::min(1.0, std::hypot(box.c, box.d) / std::abs(area.sourceSize.y));
+    if (part.Empty() || !(scaleX * scaleY < 1)) return {};
+    const Size size{std::max(1, ToPixel(part.Width() * scaleX)), std::max(1, ToPixel(part.Height() * scaleY))};
+    const double x = double(size.width) / part.Width(), y = double(size.height) / part.Height();
+    return {Shrunk(source, part, size, how),
+            {(area.from.x - part.left) * x, (area.from.y - part.top) * y},
+            {area.sourceSize.x * x, area.sourceSize.y * y}};
 }
 
 } // namespace
@@ -118,16 +119,11 @@ void Painter::MaskedBlit(const BlitArea& area, const Surface& source, const Blit
         m_canvas.Put(x, y, rop, pattern, color & 0xFFFFFF);
     };
     const auto box = AreaBox(area);
-    const auto fit = [](double sourceSide, double side) {
-        return static_cast<int>(std::clamp(std::abs(sourceSide) / std::max(1.0, side), 1.0, 64.0));
-    };
-    const int timesX = fit(area.sourceSize.x, std::hypot(box.a, box.b)),
-              timesY = fit(area.sourceSize.y, std::hypot(box.c, box.d));
-    if (!m_now.smoothShrink || mask.bits || chosen != kCopySource || timesX * timesY == 1 ||
-        !m_canvas.Spend(source.Span().size() / 16))
-        return EachBlitPixel(area, source, paint);
-    EachBoxPixel(box, {area.from.x / timesX, area.from.y / timesY},
-                 {area.sourceSize.x / timesX, area.sourceSize.y / timesY}, Averaged(source, timesX, timesY), paint);
+    if (!mask.bits && NeedsSource(chosen) && m_canvas.Spend(source.Span().size() / 32)) {
+        const auto small = ShrinkToBox(area, box, source, m_now.shrinking);
+        if (small.picture) return EachBoxPixel(box, small.from, small.size, small.picture, paint);
+    }
+    EachBoxPixel(box, area.from, area.sourceSize, source, paint);
 }
 
 void Painter::SlantedBlit(const std::array<PointF, 3>& corners, PointF from, PointF sourceSize, const Surface& source,

@@ -196,6 +196,14 @@ void Painter::CloseFigure() {
     if (!m_path.empty()) m_path.back().closed = true;
 }
 
+void Painter::CloseTo(PointF first) {
+    if (m_pathOpen) {
+        CloseFigure();
+    } else {
+        PolyLine({m_now.position, first});
+    }
+}
+
 void Painter::AbortPath() {
     m_path.clear();
     m_pathOpen = false;

@@ -30,7 +30,9 @@ void Arrange(Setting& s, const State& state, const Transform& map) {
     PointF along{1, 0};
     if (map.b != 0 && s.logicalX > 0) along = {u.x / s.logicalX, u.y / s.logicalX};
     const PointF down{-along.y, along.x};
-    const double cosine = std::cos(state.font.angle), sine = std::sin(state.font.angle);
+    // Angles of fonts turn against the clock in logical units, so a mirrored mapping turns them round.
+    const double angle = map.Determinant() < 0 ? -state.font.angle : state.font.angle;
+    const double cosine = std::cos(angle), sine = std::sin(angle);
     s.along = {along.x * cosine - down.x * sine, along.y * cosine - down.y * sine};
     s.down = {along.x * sine + down.x * cosine, along.y * sine + down.y * cosine};
     const double height = state.font.height;
@@ -73,18 +75,20 @@ Point PointAt(const Setting& s, double x, double up) {
     return ToPixel(PointF{s.start.x + s.along.x * x - s.down.x * up, s.start.y + s.along.y * x - s.down.y * up});
 }
 
-// Letters shrink where the file gives them less room than the face takes.
-double Narrowing(const TextLine& line, const Setting& s) {
-    double own = 0;
-    for (std::size_t i = 0; i + 1 < s.places.size(); ++i) own += FaceAdvance(line.letters[i]) * s.unitX;
-    if (own <= 0 || s.total <= 0) return 1;
-    return std::clamp(s.total / own, kNarrowest, 1.0);
+// Letters shrink where the file gives them, or the line, less room than the face takes.
+double Narrowing(double room, double own) {
+    return own <= 0 || room <= 0 ? 1 : std::clamp(room / own, kNarrowest, 1.0);
 }
 
 Figures StrokesOf(const TextLine& line, const Setting& s, const Font& font) {
     Figures strokes;
-    const double narrow = Narrowing(line, s), slant = font.italic ? kSlant * s.unitY : 0;
-    for (std::size_t i = 0; i + 1 < s.places.size(); ++i) {
+    const std::size_t count = s.places.size() - 1;
+    double own = 0;
+    for (std::size_t i = 0; i < count; ++i) own += FaceAdvance(line.letters[i]) * s.unitX;
+    const double ofLine = Narrowing(s.total, own), slant = font.italic ? kSlant * s.unitY : 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double room = s.places[i + 1].x - s.places[i].x;
+        const double narrow = std::min(ofLine, Narrowing(room, FaceAdvance(line.letters[i]) * s.unitX));
         for (const auto& stroke : FaceStrokes(line.letters[i])) {
             Figure figure;
             for (const auto& p : stroke) {

@@ -13,6 +13,10 @@ enum PenStyle : std::uint32_t { kNoPen = 5, kUserPen = 7 };
 
 } // namespace
 
+void SetShrinking(State& state, unsigned mode) {
+    if (mode >= 1 && mode <= 4) state.shrinking = static_cast<Shrinking>(mode);
+}
+
 Pen MakePen(std::uint32_t style, double width, Rgb color) {
     Pen pen;
     const auto line = style & 15;
@@ -33,20 +37,16 @@ Ink MakeBrush(std::uint32_t style, Rgb color, std::uint32_t hatch, const State& 
     return {style == kNoBrush ? Ink::Kind::None : Ink::Kind::Solid, color};
 }
 
-Ink MakeTwoColorBrush(Surface numbers, const State& state) {
-    for (int y = 0; y < numbers.Height(); ++y) {
-        for (int x = 0; x < numbers.Width(); ++x) {
-            const bool ground = (numbers.At(x, y) & 0xFFFFFF) != 0;
-            numbers.Put(x, y, 0xFF000000u | (ground ? state.ground : state.textColor));
-        }
-    }
-    return MakePatternBrush(std::move(numbers));
-}
-
 Ink MakePatternBrush(Surface picture) {
     if (!picture) return Ink{Ink::Kind::None};
     Ink ink{Ink::Kind::Picture};
     ink.picture = std::make_shared<const Surface>(std::move(picture));
+    return ink;
+}
+
+Ink MakeTwoColorBrush(Surface numbers) {
+    auto ink = MakePatternBrush(std::move(numbers));
+    ink.twoColors = true;
     return ink;
 }
 

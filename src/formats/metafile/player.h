@@ -27,14 +27,17 @@ void PlayWmf(ByteSpan file, const FileFacts& facts, Painter& painter);
 
 // ---- parts of records ----
 
+/// Takes what bitmaps do that get smaller: 1 to 4; others change nothing.
+void SetShrinking(State& state, unsigned mode);
+
 /// The pen of a style word: dashes in the low four bits, caps and joins above.
 [[nodiscard]] Pen MakePen(std::uint32_t style, double width, Rgb color);
 /// The brush of a style: 0 solid, 1 none, 2 hatched; others are solid. Hatches from 6 on are solid too, by twos of the
 /// brush's colour, the text's and the ground's.
 [[nodiscard]] Ink MakeBrush(std::uint32_t style, Rgb color, std::uint32_t hatch, const State& state);
 [[nodiscard]] Ink MakePatternBrush(Surface picture);
-/// Of a bitmap that was read with the numbers of its pixels as colours: 0 is the colour of text, others the ground.
-[[nodiscard]] Ink MakeTwoColorBrush(Surface numbers, const State& state);
+/// Of a bitmap that was read with 0 as black: while it is used, black is the colour of text and all else the ground.
+[[nodiscard]] Ink MakeTwoColorBrush(Surface numbers);
 /// From the bytes of a font's description behind its width: angle, orientation and weight in words of `wordSize` bytes,
 /// italic, underline, strike-out and character set in a byte each, four more, and the name in characters of
 /// `letterSize` bytes.

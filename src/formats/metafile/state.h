@@ -4,6 +4,7 @@
 #include "formats/metafile/canvas.h"
 #include "formats/metafile/palette.h"
 #include "formats/metafile/raster.h"
+#include "formats/metafile/shrink.h"
 
 #include <variant>
 
@@ -52,7 +53,7 @@ struct State {
     Rop rop = kCopyPattern;
     unsigned textAlign = 0;
     double letterSpace = 0, blankSpace = 0; ///< logical, added to each letter and to each blank
-    bool smoothShrink = false;              ///< bitmaps that get smaller are averaged
+    Shrinking shrinking = Shrinking::Black;
     Palette palette;
     bool clockwise = false;
     double miterLimit = 10;

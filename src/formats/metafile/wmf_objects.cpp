@@ -39,8 +39,9 @@ void CreateDevicePattern(Wmf& wmf, ByteReader& in) {
     Bytes bitmap(header.begin(), header.end());
     const auto rows = head.Rest();
     bitmap.insert(bitmap.end(), rows.begin(), rows.end());
-    wmf.painter.AddObject(MakePatternBrush(
-        Charged(wmf.painter.Target(), DecodeDeviceBitmap(bitmap, wmf.Now().textColor, wmf.Now().ground), 1)));
+    auto picture = Charged(wmf.painter.Target(), DecodeDeviceBitmap(bitmap, 0, 0xFFFFFF), 1);
+    const bool twoColors = header.size() == 10 && header[9] == 1;
+    wmf.painter.AddObject(twoColors ? MakeTwoColorBrush(std::move(picture)) : MakePatternBrush(std::move(picture)));
 }
 
 void CreateRegion(Wmf& wmf, ByteReader& in) {

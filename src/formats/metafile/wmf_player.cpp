@@ -60,7 +60,7 @@ constexpr Row kRows[] = {
     {0x0102, [](Wmf& w, ByteReader& in) { w.Now().opaque = in.U16LE() != 1; }},
     {kSetMapMode, [](Wmf& w, ByteReader& in) { w.painter.SetMapMode(in.U16LE()); }},
     {0x0104, [](Wmf& w, ByteReader& in) { w.Now().rop = RopOfPen(in.U16LE()); }},
-    {0x0107, [](Wmf& w, ByteReader& in) { w.Now().smoothShrink = in.U16LE() == 4; }},
+    {0x0107, [](Wmf& w, ByteReader& in) { SetShrinking(w.Now(), in.U16LE()); }},
     {0x0106, [](Wmf& w, ByteReader& in) { w.Now().winding = in.U16LE() == 2; }},
     {0x0201, [](Wmf& w, ByteReader& in) { w.Now().ground = w.Color(in); }},
     {0x020B, [](Wmf& w, ByteReader& in) { w.Now().windowOrigin = ReadYX(in); }},
