@@ -9,6 +9,7 @@
 #include "formats/jpeg2000.h"
 #include "formats/load_image.h"
 #include "formats/svg.h"
+#include "formats/vio.h"
 #include "pixel/depth.h"
 
 #include <fmt/format.h>
@@ -23,6 +24,8 @@ namespace {
     RequireRenderer(file);
     if (kind != kKindNone && !PictureFormatOfKind(kind))
         throw FileException("pictures are not read from files of this kind");
+    if (ImageObject object; ReadImageObject(file, object) && object.images.empty())
+        throw FileException("the object has no images");
     const auto* format = FindPictureFormat(file, kind);
     if (format && format->matches && format->matches(file))
         throw FileException(fmt::format("this {} file is damaged, or of a variety that is not read", format->name));

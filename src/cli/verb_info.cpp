@@ -10,6 +10,8 @@
 
 #include <fmt/format.h>
 
+#include <map>
+
 namespace pelorin::cli {
 
 namespace {
@@ -29,7 +31,7 @@ void InspectImageObject(ByteSpan file, FileInfo& info) {
     if (!ReadImageObject(file, object)) throw FileException("this VIO file is damaged");
     info.kind = "vio";
     auto& facts = info.report.facts;
-    facts = {{"width", fmt::format("{}", object.size.width)}, {"height", fmt::format("{}", object.size.height)}};
+    facts = {{"width", object.size.width}, {"height", object.size.height}};
     info.partWord = "image";
     for (const auto& image : object.images) info.parts.push_back(DecodeText(image.m_strName));
     for (const auto& [name, value] : DescribeVioInfo(object.info)) facts.emplace_back(name, DecodeText(value));
@@ -41,10 +43,8 @@ void InspectPicture(ByteSpan file, int kind, FileInfo& info) {
     if (!ReadPicture(file, kind, {}, facts))
         throw FileException("this is neither a file that carries icons nor a picture");
     info.kind = ToLower(facts.format);
-    info.report.facts = {{"width", fmt::format("{}", facts.width)},
-                         {"height", fmt::format("{}", facts.height)},
-                         {"bits", fmt::format("{}", facts.bits)},
-                         {"frames", fmt::format("{}", facts.frames)}};
+    info.report.facts = {
+        {"width", facts.width}, {"height", facts.height}, {"bits", facts.bits}, {"frames", facts.frames}};
     info.partWord = "layer";
     info.parts = facts.layers;
 }
@@ -56,8 +56,8 @@ void CountIcons(ByteSpan file, const IconSource& source, FileInfo& info) {
         formats += group.GetCount();
         return true;
     });
-    info.report.facts.emplace_back("icons", fmt::format("{}", icons));
-    info.report.facts.emplace_back("formats", fmt::format("{}", formats));
+    info.report.facts.emplace_back("icons", icons);
+    info.report.facts.emplace_back("formats", formats);
 }
 
 FileInfo Inspect(const std::string& path) {
@@ -89,7 +89,13 @@ void WriteJson(JsonWriter& json, const std::string& file, const FileInfo& info) 
     json.Field("bytes", static_cast<std::int64_t>(info.bytes));
     json.Key("facts");
     json.BeginObject();
-    for (const auto& [name, value] : info.report.facts) json.Field(name, value);
+    // A name that comes again gets a number, as no key may stand twice.
+    std::map<std::string, int> times;
+    for (const auto& [name, text, isNumber] : info.report.facts) {
+        const int time = ++times[name];
+        json.Key(time == 1 ? name : fmt::format("{}_{}", name, time));
+        isNumber ? json.Int(std::stoll(text)) : json.String(text);
+    }
     if (!info.partWord.empty()) {
         json.Key(info.partWord + "s");
         json.BeginArray();
@@ -108,7 +114,7 @@ std::string Text(const std::string& file, const FileInfo& info) {
     TextTable table("ll", "  ");
     table.Row({"kind", info.typeName.empty() ? info.kind : fmt::format("{} ({})", info.typeName, info.kind)});
     table.Row({"bytes", fmt::format("{}", info.bytes)});
-    for (const auto& [name, value] : info.report.facts) table.Row({ReplaceAll(name, "_", " "), Printable(value)});
+    for (const auto& fact : info.report.facts) table.Row({ReplaceAll(fact.name, "_", " "), Printable(fact.text)});
     for (const auto& part : info.parts) table.Row({info.partWord, Printable(part)});
     for (const auto& oddity : info.report.oddities) table.Row({"odd", Printable(oddity)});
     return Printable(file) + "\n" + table.Text();

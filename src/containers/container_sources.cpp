@@ -68,19 +68,19 @@ const char* DescribeMode(ProgramMode mode) {
 
 void Inspect(ByteSpan file, IconFileReport& report) {
     const auto found = FindIcons(file);
-    const auto fact = [&](const char* name, std::string value) { report.facts.emplace_back(name, std::move(value)); };
+    const auto fact = [&](const char* name, auto value) { report.facts.emplace_back(name, std::move(value)); };
     const auto image = PeImage::Parse(file);
     fact("form", !image ? "NE" : image->Is64Bit() ? "PE32+" : "PE32");
     fact("mode", DescribeMode(found.mode));
-    fact("icon_count", std::to_string(found.groups.size()));
-    fact("image_count", std::to_string(found.idTable.size()));
+    fact("icon_count", found.groups.size());
+    fact("image_count", found.idTable.size());
     fact("library_names", found.hasLibraryNames ? "yes" : "no");
     if (!found.complete) report.oddities.emplace_back("the images ask for more memory than the file could account for");
     if (!found.unreadIds.empty()) {
         report.oddities.push_back("icons name " + Counted(found.unreadIds.size(), "image") + " that cannot be read");
     }
     if (!image) return;
-    fact("extra_bytes", std::to_string(FindExtraData(*image).size()));
+    fact("extra_bytes", FindExtraData(*image).size());
     fact("signed", IsSigned(*image) ? "yes" : "no");
     ResourceTreeFacts facts;
     (void)ReadResourceTree(*image, &facts);

@@ -105,9 +105,7 @@ void InspectAni(ByteSpan file, IconFileReport& report) {
         report.oddities.push_back("the file has no icon frames, or it is damaged");
         return;
     }
-    const auto fact = [&](const char* name, const auto& value) {
-        report.facts.emplace_back(name, fmt::format("{}", value));
-    };
+    const auto fact = [&](const char* name, const auto& value) { report.facts.emplace_back(name, value); };
     fact("frames", ani.frames.size());
     fact("steps", ani.steps.size());
     fact("default_rate", ani.header.rate);

@@ -19,15 +19,18 @@ public:
             Odd("the header or the directory is not whole");
             return;
         }
-        Fact("type", m_directory.type == kIcoTypeCursor ? "2 (cursor)" : "1 (icon)");
-        Fact("image_count", fmt::format("{}", m_directory.entries.size()));
+        Fact("type", std::string(m_directory.type == kIcoTypeCursor ? "2 (cursor)" : "1 (icon)"));
+        Fact("image_count", m_directory.entries.size());
         if (LoadU16LE(m_file.data()) != 0) Odd("the first two bytes are not 0");
         for (std::size_t i = 0; i < m_directory.entries.size(); ++i) InspectImage(i, m_directory.entries[i]);
         InspectGaps();
     }
 
 private:
-    void Fact(std::string name, std::string value) { m_report.facts.emplace_back(std::move(name), std::move(value)); }
+    template <class Value>
+    void Fact(std::string_view name, Value value) {
+        m_report.facts.emplace_back(name, std::move(value));
+    }
     void Odd(std::string sentence) { m_report.oddities.push_back(std::move(sentence)); }
 
     void InspectImage(std::size_t index, const IcoDirectoryEntry& entry) {

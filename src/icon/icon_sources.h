@@ -6,6 +6,7 @@
 #include "core/file_kinds.h"
 #include "icon/icon_group.h"
 
+#include <concepts>
 #include <functional>
 #include <span>
 #include <string>
@@ -17,10 +18,20 @@ namespace pelorin {
 /// Takes one icon after the other; the group may be moved from. False ends the reading.
 using IconVisitor = std::function<bool(CIconGroup& group)>;
 
+/// One thing that is known of a file. Names are snake_case words ("image_count").
+struct IconFileFact {
+    std::string name, text;
+    bool isNumber = false;
+
+    IconFileFact(std::string_view what, std::string value) : name(what), text(std::move(value)) {}
+    template <std::integral T>
+    IconFileFact(std::string_view what, T value) : name(what), text(std::to_string(value)), isNumber(true) {}
+};
+
 /// What is known of one file besides its icons.
 struct IconFileReport {
-    /// Name and value, in the order in which they are shown; names are snake_case words ("image_count").
-    std::vector<std::pair<std::string, std::string>> facts;
+    /// In the order in which they are shown.
+    std::vector<IconFileFact> facts;
     /// What a strict reader would object to, one sentence each.
     std::vector<std::string> oddities;
 };

@@ -118,6 +118,8 @@ TEST_F(PictureVerbs, ObjectsTakeAllPictures) {
     object.size.height = 9;
     WriteFileSafely(m_folder.Path("empty.vio"), WriteImageObject(object));
     EXPECT_THAT(Run({"info", "empty.vio"}).out, HasSubstr("height      9"));
+    EXPECT_THAT(Run({"info", "--json", "empty.vio"}).out, HasSubstr("\"height\": 9,\n"));
+    EXPECT_THAT(Run({"image", "list", "empty.vio"}).err, HasSubstr("the object has no images"));
 }
 
 TEST_F(PictureVerbs, ManyAtOnceGoByTheirOrder) {

@@ -243,8 +243,8 @@ TEST(MacIconRows, TellsWhatIsOddAboutAFamily) {
     IconFileReport report;
     inspect(BuildIcns({{"il32", Bytes(5)}, {"ics4", Bytes(3)}, {"ic08", Bytes(9)}, {"TOC ", Bytes(8)}}), report);
     ASSERT_EQ(report.facts.size(), 2u);
-    EXPECT_EQ(report.facts[0].second, "at 0, 65 bytes");
-    EXPECT_EQ(report.facts[1].second, "il32 5, ics4 3, ic08 9, TOC  8");
+    EXPECT_EQ(report.facts[0].text, "at 0, 65 bytes");
+    EXPECT_EQ(report.facts[1].text, "il32 5, ics4 3, ic08 9, TOC  8");
     EXPECT_EQ(
         report.oddities,
         (std::vector<std::string>{"ics4 has 3 bytes instead of 128", "ic08 holds something instead of JPEG 2000",
