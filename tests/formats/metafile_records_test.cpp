@@ -397,6 +397,13 @@ TEST(MetafileRecords, WorkAndMemoryHaveAnEnd) {
     // A region of two thousand million parts of which none is there: what is left in the record is no whole header.
     auto region = EmfBuilder(16, 16).Record(74, kBounds + Words{28, 32, 1, 0x7FFFFFFF, 0, 0, 0, 0});
     EXPECT_TRUE(Play(region.Done(), 16));
+    // A region of ten thousand parts outside of the picture, filled over and over.
+    auto reused = Placeable(16, 16, 96).Fill(0, 0, 0, 255);
+    Words parts = {0, 6, 0, 0, 0, 10000, 2, 0, 0, 9, 9};
+    for (int i = 0; i < 10000; ++i) parts.insert(parts.end(), {2, 20000, 20005, 20000, 20005, 2});
+    reused.Record(0x06FF, parts);
+    for (int i = 0; i < 30000; ++i) reused.Record(0x0228, {2, 0});
+    EXPECT_TRUE(Play(reused.Done(), 16));
     // Floods, frames, texts and pictures over the whole picture, more than anybody would draw.
     auto bombs = EmfBuilder(16, 16).Fill(0xFF);
     bombs.Record(49, {2, 0x300 | 1 << 16, 0xFF});

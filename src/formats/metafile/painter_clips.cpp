@@ -93,7 +93,10 @@ void Painter::ClipToDevice(const std::vector<Rect>& parts, Combination how) {
 }
 
 Figures Painter::RegionFigures(const RegionObject& region) const {
+    // Records of a few bytes may name one large region over and over.
+    constexpr std::size_t kWorkOfPart = 32;
     Figures figures;
+    if (!m_canvas.Spend(region.parts.size() * kWorkOfPart)) return figures;
     for (const auto& part : region.parts) {
         const auto box = BoxFigure({double(part.left), double(part.top)}, {double(part.right), double(part.bottom)});
         figures.insert(figures.end(), box.begin(), box.end());

@@ -5,7 +5,7 @@ namespace pelorin::metafile::wmf {
 
 namespace {
 
-constexpr std::uint64_t kPixelsOfAStep = 8;
+constexpr std::uint64_t kPixelsOfAStep = 2;
 
 // Source and destination of the blit records; the picture stands behind them.
 BlitArea ReadArea(ByteReader& in, bool stretched) {
