@@ -10,6 +10,7 @@
 #include "formats/load_image.h"
 #include "formats/svg.h"
 #include "formats/vio.h"
+#include "icon/icon_file_forms.h"
 #include "pixel/depth.h"
 
 #include <fmt/format.h>
@@ -167,7 +168,10 @@ int PictureOutput::KindFor(const Run& run, const std::string& input, bool severa
     const bool toFile = !several && !name.empty() && name != "-" && !FolderExists(name);
     if (toFile && PictureSaverOfKind(GetFileKind(name))) return GetFileKind(name);
     if (toFile && !ExtensionOf(name).empty()) {
-        throw UsageError(fmt::format("pictures are not written as \"{}\" (--as says the format)", ExtensionOf(name)));
+        const int kind = GetFileKind(name);
+        const bool converted = kind == kKindImageObject || FindIconFileForm(kind);
+        throw UsageError(fmt::format("pictures are not written as \"{}\" ({})", ExtensionOf(name),
+                                     converted ? "`convert` makes such files" : "--as says the format"));
     }
     return PictureSaverOfKind(GetFileKind(input)) && toFile ? int{GetFileKind(input)} : int{kKindPng};
 }

@@ -88,6 +88,7 @@ TEST_F(ImageVerb, SaysWhatIsWrong) {
     const Row rows[] = {
         {{"in.png", "x.png", "--filter", "blurr"}, 2, "did you mean"},
         {{"in.png", "x.png", "--brightness", "200"}, 2, "--brightness: 200 is not between"},
+        {{"in.png", "x.vio"}, 2, "`convert` makes such files"},
         {{"in.png", "x.png", "--depth", "16"}, 2, "--depth: 32, 24"},
         {{"in.png", "x.png", "--smooth"}, 2, "--smooth stands behind"},
         {{"in.png", "x.png", "--reduce", "8", "--palette", "none.act"}, 2, "none.act"},
