@@ -57,8 +57,8 @@ public:
     bool Attempt(std::string_view file, const std::function<void()>& work);
     /// `Attempt` for each file in order; nothing of one file is kept for the next.
     void ForEach(const std::vector<std::string>& files, const std::function<void(const std::string& file)>& work);
-    /// The same on `--jobs` threads with a progress bar called `title`. What `work` returns is printed in the order of
-    /// the files.
+    /// The same on `--jobs` threads, with a progress bar called `title` for several files. What `work` returns is
+    /// printed in the order of the files.
     void ForEachAtOnce(std::string_view title, const std::vector<std::string>& files,
                        const std::function<std::string(const std::string& file)>& work);
 

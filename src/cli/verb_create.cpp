@@ -153,6 +153,7 @@ const IconFileForm& WantedForm(const CreateOptions& options, const std::string& 
 
 std::string CreateOne(Run& run, const std::string& picture, const CreateOptions& options,
                       const FromImageOptions& making, std::span<const SizeArt> art, const IconFileForm& form) {
+    const ProgressScope progress(run.GetProgress(), "icons", 1);
     const SourceFile file(picture);
     auto formats = CreateFormats(
         file, [&](Size size) { return ReadSource(file, size, options); }, art, making);
