@@ -373,6 +373,20 @@ TEST(MetafileText, LettersArePutTogether) {
     EXPECT_EQ(FaceAdvance(0x200B), 0);
 }
 
+TEST(MetafileText, LargeLettersAreRoundWhereTheyBend) {
+    using metafile::RoundedStroke;
+    const auto same = [](metafile::PointF a, metafile::PointF b) { return a.x == b.x && a.y == b.y; };
+    EXPECT_EQ(RoundedStroke({{0, 0}, {0, 9}, {9, 9}}).size(), 3u) << "a right angle stays";
+    const auto bend = RoundedStroke({{0, 0}, {0, 6}, {3, 9}});
+    EXPECT_EQ(bend.size(), 6u);
+    EXPECT_TRUE(same(bend.front(), {0, 0}) && same(bend.back(), {3, 9}));
+    for (const auto& p : bend) EXPECT_FALSE(same(p, {0, 6}));
+    const auto ring = RoundedStroke({{0, 3}, {3, 0}, {6, 0}, {9, 3}, {9, 6}, {6, 9}, {3, 9}, {0, 6}, {0, 3}});
+    EXPECT_EQ(ring.size(), 33u) << "also where it closes";
+    EXPECT_TRUE(same(ring.front(), ring.back()));
+    EXPECT_TRUE(RoundedStroke({}).empty());
+}
+
 // ---- damage ----
 
 DibBlock PlaySmall(ByteSpan file, const PictureRequest&, PictureFacts&) {

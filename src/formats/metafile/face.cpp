@@ -32,7 +32,41 @@ void AddStrokes(Strokes& out, std::string_view strokes, double scale, PointF shi
     }
 }
 
+// Turns of at most 75 degrees are parts of curves.
+bool IsBlunt(PointF before, PointF at, PointF behind) {
+    const PointF u{at.x - before.x, at.y - before.y}, v{behind.x - at.x, behind.y - at.y};
+    const double lengths = std::hypot(u.x, u.y) * std::hypot(v.x, v.y);
+    return lengths > 0 && u.x * v.x + u.y * v.y >= lengths / 4;
+}
+
+// Each blunt corner becomes two that turn half as much.
+std::vector<PointF> CutCorners(const std::vector<PointF>& stroke) {
+    constexpr double kCut = 0.29;
+    const auto count = stroke.size();
+    const bool closed = count > 3 && stroke.front().x == stroke.back().x && stroke.front().y == stroke.back().y;
+    const auto between = [](PointF from, PointF to) {
+        return PointF{from.x + (to.x - from.x) * kCut, from.y + (to.y - from.y) * kCut};
+    };
+    std::vector<PointF> cut;
+    for (std::size_t i = closed ? 1 : 0; i < count; ++i) {
+        const bool end = !closed && (i == 0 || i + 1 == count);
+        const auto at = stroke[i];
+        const auto before = end ? at : stroke[i - 1], behind = end ? at : stroke[i + 1 < count ? i + 1 : 1];
+        if (end || !IsBlunt(before, at, behind)) {
+            cut.push_back(at);
+        } else {
+            cut.insert(cut.end(), {between(at, before), between(at, behind)});
+        }
+    }
+    if (closed) cut.push_back(cut.front());
+    return cut;
+}
+
 } // namespace
+
+std::vector<PointF> RoundedStroke(const std::vector<PointF>& stroke) {
+    return CutCorners(CutCorners(stroke));
+}
 
 double FaceAdvance(char32_t letter) {
     const auto parts = DecomposeLetter(letter);

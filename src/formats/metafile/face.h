@@ -15,5 +15,7 @@ inline constexpr double kFaceMeanAdvance = 6.2;
 
 [[nodiscard]] double FaceAdvance(char32_t letter);
 [[nodiscard]] std::vector<std::vector<PointF>> FaceStrokes(char32_t letter);
+/// A stroke whose blunt corners are rounded, for letters that are drawn large; sharp ones stay.
+[[nodiscard]] std::vector<PointF> RoundedStroke(const std::vector<PointF>& stroke);
 
 } // namespace pelorin::metafile

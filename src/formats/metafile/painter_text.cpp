@@ -7,6 +7,8 @@ namespace {
 
 constexpr double kDefaultHeight = 16, kPlainPen = 1.0, kBoldPen = 2.0, kSlant = 0.2;
 constexpr double kThinnestWide = 1.5, kFaint = 0.4;
+// From this many pixels a unit on, corners of curves are seen.
+constexpr double kLargeUnit = 2;
 constexpr double kUnderlineAt = -1.6, kStrikeOutAt = 3.5;
 // Letters are drawn closer than this share of their own width by no font.
 constexpr double kNarrowest = 0.4;
@@ -91,7 +93,7 @@ Figures StrokesOf(const TextLine& line, const Setting& s, const Font& font) {
         const double narrow = std::min(ofLine, Narrowing(room, FaceAdvance(line.letters[i]) * s.unitX));
         for (const auto& stroke : FaceStrokes(line.letters[i])) {
             Figure figure;
-            for (const auto& p : stroke) {
+            for (const auto& p : s.unitY < kLargeUnit ? stroke : RoundedStroke(stroke)) {
                 figure.points.push_back(
                     PointAt(s, s.places[i].x + p.x * s.unitX * narrow + p.y * slant, p.y * s.unitY - s.places[i].y));
             }
