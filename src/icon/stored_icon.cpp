@@ -9,6 +9,44 @@ namespace {
 
 constexpr std::uint32_t kPngSignature = 0x474E5089;
 
+// The first bytes of a zlib stream tell how hard the packer tried: 3 in the top bits for its upper levels.
+bool IsPackedHard(ByteSpan stream) {
+    return stream.size() >= 2 && stream[1] >> 6 == 3;
+}
+
+/// True for a PNG file that need not be packed anew: 8-bit RGBA whose values stand for themselves, packed with effort,
+/// and nothing behind or beside the picture but the marks that many programs leave.
+bool IsWellPackedPng(ByteSpan png) {
+    constexpr std::uint32_t kUsualGamma = 45455;
+    constexpr std::size_t kDepthAt = 24, kChunkFrame = 12;
+    ByteReader in(png);
+    in.Skip(kDepthAt);
+    const auto depth = in.U8(), type = in.U8();
+    in.Skip(2);
+    if (depth != 8 || type != 6 || in.U8() != 0) return false;
+    in.Seek(8);
+    bool hasData = false, packedHard = false;
+    while (in.Left() >= kChunkFrame) {
+        const auto length = in.U32BE();
+        const auto name = AsText(in.Take(4));
+        const auto data = in.Take(length);
+        in.Skip(4);
+        if (name == "IEND") return packedHard && in.Ok() && in.AtEnd();
+        const bool mark =
+            name == "sRGB" || name == "pHYs" || (name == "gAMA" && ByteReader(data).U32BE() == kUsualGamma);
+        if (!mark && name != "IHDR" && name != "IDAT") return false;
+        if (name == "IDAT" && !hasData) {
+            hasData = true;
+            packedHard = IsPackedHard(data);
+        }
+    }
+    return false;
+}
+
+std::size_t HashOfPixels(const DibBlock& picture) {
+    return std::hash<std::string_view>()(AsText(picture.Span().subspan(DIBRowsOffset(picture.Span()))));
+}
+
 } // namespace
 
 int CVnIcon::ShownBitCount() const {
@@ -49,6 +87,8 @@ void CVnIcon::Copy(const CVnIcon& other) {
     m_nFileOffset = other.m_nFileOffset;
     m_nFileBytes = other.m_nFileBytes;
     m_nPngBytesRead = other.m_nPngBytesRead;
+    m_pPngRead = other.m_pPngRead;
+    m_nHashRead = other.m_nHashRead;
     m_hImage = other.m_hImage;
     m_hPreview = {};
     m_nPreviewInfo = m_nSavedOffset = m_nSavedIndex = 0;
@@ -70,6 +110,11 @@ bool CVnIcon::ReadPngImage(ByteSpan png, int bits) {
     m_hImage = std::move(block);
     m_bCompressed = true;
     m_nPngBytesRead = static_cast<std::uint32_t>(png.size());
+    m_pPngRead.reset();
+    if (png.size() < m_nBytes && IsWellPackedPng(png)) {
+        m_pPngRead = std::make_shared<const Bytes>(png.begin(), png.end());
+        m_nHashRead = HashOfPixels(picture);
+    }
     return true;
 }
 
@@ -84,15 +129,18 @@ bool CVnIcon::ReadFromMemory(ByteSpan data, std::uint32_t bytes, int bits) {
     if (!Create(header.width, header.height, header.colors, header.Alpha())) return false;
     m_bCompressed = false;
     m_nPngBytesRead = 0;
+    m_pPngRead.reset();
     std::memcpy(m_hImage.data(), data.data(), std::min<std::size_t>(m_nBytes, data.size()));
     return true;
 }
 
 Bytes CVnIcon::WriteCompressed() {
+    const auto picture = IconBlockToDIB32(m_hImage);
+    if (m_pPngRead && HashOfPixels(picture) == m_nHashRead) return *m_pPngRead;
     Bytes file;
     PictureSaveOptions options;
     options.png = PngEffort::Smallest;
-    if (WritePng(IconBlockToDIB32(m_hImage), options, file) != 0) file.clear();
+    if (WritePng(picture, options, file) != 0) file.clear();
     return file;
 }
 

@@ -6,6 +6,9 @@
 #include "icon/icon_format.h"
 #include "pixel/cdib.h"
 
+#include <memory>
+#include <string_view>
+
 namespace pelorin {
 
 class CVnIcon {
@@ -64,12 +67,16 @@ public:
     /// the depth that a decoded PNG gets (0: 32). `bytes` and `bits` are not used otherwise. A short block is filled
     /// with zeros. False, with nothing changed, when it is no image.
     [[nodiscard]] bool ReadFromMemory(ByteSpan data, std::uint32_t bytes, int bits);
-    /// The image as a PNG file; empty when it cannot be made. A 24-bit block is changed by this (see
-    /// `IconBlockToDIB32`).
+    /// The image as a PNG file; empty when it cannot be made. A PNG file that was read, is packed well,
+    /// holds nothing else and has the image's pixels still goes out again byte for byte. A 24-bit block is changed by
+    /// this (see `IconBlockToDIB32`).
     [[nodiscard]] Bytes WriteCompressed();
 
 private:
     bool ReadPngImage(ByteSpan png, int bits);
+
+    std::shared_ptr<const Bytes> m_pPngRead; ///< what the block was read from, if it may go out again
+    std::size_t m_nHashRead = 0;             ///< of the pixels that it then had
 };
 
 } // namespace pelorin

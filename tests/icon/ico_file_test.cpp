@@ -3,6 +3,8 @@
 #include "icon/ico_file.h"
 #include "support/dib_builder.h"
 #include "support/ico_builder.h"
+#include "support/png_builder.h"
+#include "support/random_pictures.h"
 #include "support/temp_folder.h"
 
 #include <gmock/gmock.h>
@@ -31,6 +33,55 @@ std::vector<std::string> Formats(const CIconGroup& group) {
         out.push_back(FormatShortDescription(icon->m_nWidth, icon->m_nHeight, icon->BitCount()));
     }
     return out;
+}
+
+// A PNG of noise without row filters, which is not how images are packed here.
+test::PngParts UnfilteredNoise(int level, bool hiddenColors = false) {
+    constexpr int kSide = 64;
+    const auto surface = test::RandomSurface(kSide, kSide, 7);
+    test::PngParts parts{.width = kSide, .height = kSide, .level = level};
+    for (int y = 0; y < kSide; ++y) {
+        parts.rows.push_back(0);
+        for (int x = 0; x < kSide; ++x) {
+            const auto* pixel = surface.Row(y) + std::ptrdiff_t{4} * x;
+            const bool shown = pixel[3] != 0 || hiddenColors;
+            for (int i = 0; i < 4; ++i) parts.rows.push_back(shown ? pixel[i] : 0);
+        }
+    }
+    return parts;
+}
+
+Bytes WrittenAgain(const Bytes& png, int bits = 32) {
+    CVnIcon icon, copy;
+    EXPECT_TRUE(icon.ReadFromMemory(png, static_cast<std::uint32_t>(png.size()), bits));
+    copy.Copy(icon);
+    return copy.WriteCompressed();
+}
+
+TEST(IcoFile, AWellPackedPngThatIsNotTouchedGoesOutAsItCame) {
+    const auto best = test::BuildPng(UnfilteredNoise(9));
+    EXPECT_EQ(WrittenAgain(best), best);
+
+    CVnIcon icon;
+    ASSERT_TRUE(icon.ReadFromMemory(best, static_cast<std::uint32_t>(best.size()), 32));
+    icon.m_hImage[kDibHeaderSize] ^= 1;
+    const auto changed = icon.WriteCompressed();
+    CVnIcon again;
+    ASSERT_TRUE(again.ReadFromMemory(changed, static_cast<std::uint32_t>(changed.size()), 32));
+    EXPECT_EQ(again.m_hImage, icon.m_hImage) << "what was touched is packed anew";
+
+    const auto loose = test::BuildPng(UnfilteredNoise(6));
+    EXPECT_NE(WrittenAgain(loose), loose) << "it can be packed better";
+    EXPECT_TRUE(std::ranges::equal(ReadPng(WrittenAgain(loose)).Span(), ReadPng(best).Span()));
+    EXPECT_NE(WrittenAgain(best, 8), best) << "other colours";
+    const auto hidden = test::BuildPng(UnfilteredNoise(9, true));
+    EXPECT_NE(WrittenAgain(hidden), hidden) << "colours that nobody sees are not kept";
+    auto bright = UnfilteredNoise(9);
+    bright.gamma = 100000;
+    EXPECT_NE(WrittenAgain(test::BuildPng(bright)), test::BuildPng(bright)) << "values that stand for others";
+    auto longer = best;
+    longer.push_back(0);
+    EXPECT_NE(WrittenAgain(longer), longer) << "something behind it";
 }
 
 TEST(IcoFile, SizesComeFromTheImagesAndDepthsOfPngsFromTheDirectory) {

@@ -23,6 +23,7 @@ struct PngParts {
     Bytes rows = {}; ///< each row (of each pass) with its filter byte in front
     Bytes palette = {}, transparency = {};
     std::uint32_t gamma = 0; ///< in 1/100,000; 0: no chunk
+    int level = 6;           ///< of compression, up to 9
 };
 
 inline Bytes BuildPng(const PngParts& parts) {
@@ -44,7 +45,7 @@ inline Bytes BuildPng(const PngParts& parts) {
     if (!parts.transparency.empty()) AppendPngChunk(file, "tRNS", parts.transparency);
     uLongf size = compressBound(static_cast<uLong>(parts.rows.size()));
     Bytes packed(size);
-    compress(packed.data(), &size, parts.rows.data(), static_cast<uLong>(parts.rows.size()));
+    compress2(packed.data(), &size, parts.rows.data(), static_cast<uLong>(parts.rows.size()), parts.level);
     AppendPngChunk(file, "IDAT", ByteSpan(packed).first(size));
     AppendPngChunk(file, "IEND", {});
     return file.Take();
