@@ -80,25 +80,23 @@ struct UnfinishedSlot {
 };
 std::array<UnfinishedSlot, 64> g_unfinished;
 
-void NoteUnfinished(const std::string& path) {
-    for (auto& slot : g_unfinished) {
+// The slot that was taken; -1 when none is free.
+int NoteUnfinished(const std::string& path) {
+    for (std::size_t i = 0; i < g_unfinished.size(); ++i) {
+        auto& slot = g_unfinished[i];
         int expected = 0;
         if (path.size() < slot.path.size() && slot.state.compare_exchange_strong(expected, 1)) {
             path.copy(slot.path.data(), path.size());
             slot.path[path.size()] = 0;
             slot.state = 2;
-            return;
+            return static_cast<int>(i);
         }
     }
+    return -1;
 }
 
-void ForgetUnfinished(const std::string& path) {
-    for (auto& slot : g_unfinished) {
-        if (slot.state == 2 && path == slot.path.data()) {
-            slot.state = 0;
-            return;
-        }
-    }
+void ForgetUnfinished(int slot) {
+    if (slot >= 0) g_unfinished[static_cast<std::size_t>(slot)].state = 0;
 }
 
 // Follows links, so that a save through a link changes the file that the link means; tells what stands there.
@@ -310,7 +308,7 @@ SafeFile::SafeFile(std::string_view path, Existing existing) : m_existing(existi
     m_temporary = std::string(FolderOf(m_target)) + ".pelorin-XXXXXX";
     m_descriptor = mkostemp(m_temporary.data(), O_CLOEXEC);
     if (m_descriptor < 0) Throw(errno);
-    NoteUnfinished(m_temporary);
+    m_unfinished = NoteUnfinished(m_temporary);
     // The owner can only be kept by the superuser; for everybody else it is the same already, or cannot be.
     if (exists && fchown(m_descriptor, info.st_uid, info.st_gid) != 0) errno = 0;
     (void)fchmod(m_descriptor, exists ? info.st_mode & 07777 : ModeForNewFiles());
@@ -320,7 +318,7 @@ SafeFile::~SafeFile() {
     if (m_descriptor >= 0) close(m_descriptor);
     if (!m_temporary.empty()) {
         unlink(m_temporary.c_str());
-        ForgetUnfinished(m_temporary);
+        ForgetUnfinished(m_unfinished);
     }
 }
 
@@ -375,7 +373,7 @@ void SafeFile::Commit() {
 }
 
 void SafeFile::Done() {
-    ForgetUnfinished(m_temporary);
+    ForgetUnfinished(m_unfinished);
     m_temporary.clear();
 }
 

@@ -116,6 +116,7 @@ private:
     std::string m_temporary;
     Existing m_existing;
     int m_descriptor = -1;
+    int m_unfinished = -1; ///< place among the files that an interrupt removes
     std::uint64_t m_pos = 0;
     Bytes m_buffer;
 };
