@@ -179,16 +179,16 @@ IconTarget IconTargetOf(const std::string& output) {
     const auto kind = GetFileKind(output);
     IconTarget target;
     target.form = FindIconFileForm(kind);
-    target.library = kind == kKindIconLibrary;
-    target.archive = EqualsNoCase(ExtensionOf(output), "sit");
+    target.isLibrary = kind == kKindIconLibrary;
+    target.isArchive = EqualsNoCase(ExtensionOf(output), "sit");
     return target;
 }
 
 void ConvertToIcons(Run& run, const std::vector<std::string>& files, const IconTarget& target,
                     const std::vector<IconFormat>& formats) {
-    if (target.library) {
+    if (target.isLibrary) {
         ToLibrary(run, files, formats);
-    } else if (target.archive) {
+    } else if (target.isArchive) {
         ToArchive(run, files);
     } else {
         ToForm conversion(run, files, *target.form, formats);

@@ -9,8 +9,8 @@ namespace pelorin::cli {
 struct IconTarget {
     /// What the files are written as; null for a library or an archive.
     const IconFileForm* form = nullptr;
-    bool library = false, archive = false;
-    [[nodiscard]] bool IsIcon() const { return form || library || archive; }
+    bool isLibrary = false, isArchive = false;
+    [[nodiscard]] bool IsIcon() const { return form || isLibrary || isArchive; }
 };
 
 /// Told by the name of the output.

@@ -9,7 +9,6 @@
 #include "formats/jpeg2000.h"
 #include "formats/load_image.h"
 #include "formats/svg.h"
-#include "formats/vio.h"
 #include "icon/icon_file_forms.h"
 #include "pixel/depth.h"
 
@@ -23,8 +22,7 @@ namespace {
 
 [[noreturn]] void ThrowUnreadable(ByteSpan file, int kind) {
     RequireRenderer(file);
-    if (kind != kKindNone && !PictureFormatOfKind(kind))
-        throw FileException("pictures are not read from files of this kind");
+    if (!MayBePicture(kind)) throw FileException("pictures are not read from files of this kind");
     if (ImageObject object; ReadImageObject(file, object) && object.images.empty())
         throw FileException("the object has no images");
     const auto* format = FindPictureFormat(file, kind);
@@ -75,17 +73,6 @@ PictureSaveOptions SaveOptions(Run& run, const PictureOutput& output, const DibB
     return options;
 }
 
-// Depth in the file of a block of so many bits.
-int WrittenBits(int kind, int bits, bool jp2Gray) {
-    switch (kind) {
-    case kKindGif: return std::min(bits, 8);
-    case kKindPsd: return 32;
-    case kKindJpeg: return 24;
-    case kKindJpeg2000: return jp2Gray && bits == 8 ? 8 : std::max(bits, 24);
-    default: return bits;
-    }
-}
-
 } // namespace
 
 DibBlock AtDepthFor(const PictureSaver& saver, const DibBlock& picture, ColorRef background) {
@@ -131,6 +118,12 @@ DibBlock ReadPictureInput(Run& run, const std::string& file, const PictureInput&
 void RequireRenderer(ByteSpan file) {
     if (!CanDrawSvg() && IsSvg(file))
         throw FileException("SVG pictures are drawn by librsvg, which is not installed (Debian: librsvg2-2)");
+}
+
+ImageObject ReadObjectInput(ByteSpan file) {
+    ImageObject object;
+    if (!ReadImageObject(file, object)) throw FileException("this VIO file is damaged");
+    return object;
 }
 
 PictureFacts ReadPictureFacts(const std::string& file) {
@@ -203,7 +196,7 @@ std::string WritePictureOutput(Run& run, const std::string& input, std::string_v
     WriteOutput(run, path, file);
     if (!run.NotesOf(path)) return {};
     return fmt::format("{}  {}x{}, {} bits\n", Printable(path), DIBWidth(picture), DIBHeight(picture),
-                       WrittenBits(saver->kind, DIBBitCount(converted ? converted : picture), output.jp2Gray));
+                       saver->writtenBits(DIBBitCount(converted ? converted : picture), options));
 }
 
 } // namespace pelorin::cli

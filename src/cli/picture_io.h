@@ -5,6 +5,7 @@
 #include "cli/syntax.h"
 #include "formats/picture_reader.h"
 #include "formats/save_image.h"
+#include "formats/vio.h"
 #include "pixel/color.h"
 
 namespace pelorin::cli {
@@ -25,6 +26,8 @@ struct PictureInput {
                                         PictureFacts& facts);
 /// Throws what to install when the file is a drawing and nothing here draws one.
 void RequireRenderer(ByteSpan file);
+/// The image object of a file of that kind; throws when it is damaged.
+[[nodiscard]] ImageObject ReadObjectInput(ByteSpan file);
 /// Only what the reader tells; a small picture is decoded where that is quicker.
 [[nodiscard]] PictureFacts ReadPictureFacts(const std::string& file);
 

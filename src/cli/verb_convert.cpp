@@ -6,7 +6,6 @@
 #include "cli/text_table.h"
 #include "cli/verb.h"
 #include "core/file_kinds.h"
-#include "formats/vio.h"
 
 #include <fmt/format.h>
 
@@ -39,8 +38,7 @@ std::string Convert(Run& run, const ConvertOptions& options, const std::string& 
 bool AddImagesOf(const std::string& file, bool first, ImageObject& object) {
     const auto view = FileView::Open(file);
     if (!IsVio(view.Data())) return false;
-    ImageObject added;
-    if (!ReadImageObject(view.Data(), added)) throw FileException("this VIO file is damaged");
+    auto added = ReadObjectInput(view.Data());
     if (first) {
         object = std::move(added);
     } else {

@@ -1,11 +1,11 @@
 #include "base/files.h"
 #include "base/text.h"
 #include "cli/json_writer.h"
+#include "cli/picture_io.h"
 #include "cli/text_table.h"
 #include "cli/verb.h"
 #include "core/strings.h"
 #include "formats/load_image.h"
-#include "formats/vio.h"
 #include "icon/icon_sources.h"
 
 #include <fmt/format.h>
@@ -27,8 +27,7 @@ struct FileInfo {
 
 // An object is told of in full, also one without any image.
 void InspectImageObject(ByteSpan file, FileInfo& info) {
-    ImageObject object;
-    if (!ReadImageObject(file, object)) throw FileException("this VIO file is damaged");
+    const auto object = ReadObjectInput(file);
     info.kind = "vio";
     auto& facts = info.report.facts;
     facts = {{"width", object.size.width}, {"height", object.size.height}};

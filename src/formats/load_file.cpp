@@ -22,7 +22,7 @@ void Publish(const DibBlock& block, const PictureFacts& facts) {
 DibBlock LoadPicture(std::string_view path, const PictureRequest& request, PictureFacts& facts) {
     facts = {};
     const int kind = GetFileKind(path);
-    if (path.empty() || (kind != kKindNone && !PictureFormatOfKind(kind))) return {};
+    if (path.empty() || !MayBePicture(kind)) return {};
     try {
         const auto file = FileView::Open(path);
         return ReadPicture(file.Data(), kind, request, facts);

@@ -78,6 +78,10 @@ const PictureFormat* PictureFormatOfKind(int kind) {
     return nullptr;
 }
 
+bool MayBePicture(int kind) {
+    return kind == kKindNone || PictureFormatOfKind(kind) != nullptr;
+}
+
 const PictureFormat* FindPictureFormat(ByteSpan file, int kind) {
     const auto* named = PictureFormatOfKind(kind);
     if (Matches(named, file)) return named;

@@ -26,6 +26,8 @@ struct PictureFormat {
 void AddPictureFormats(std::span<const PictureFormat> rows);
 /// The row of a file kind, null when no reader is known.
 [[nodiscard]] const PictureFormat* PictureFormatOfKind(int kind);
+/// False for a kind whose files are no pictures, whatever their bytes look like (a program, a page). True for kind 0.
+[[nodiscard]] bool MayBePicture(int kind);
 /// The row that reads such a file, null when there is none. A row of the named kind is preferred where several match.
 [[nodiscard]] const PictureFormat* FindPictureFormat(ByteSpan file, int kind);
 

@@ -17,6 +17,19 @@ namespace pelorin {
     return block;
 }
 
+/// What a colour level was before it was multiplied by `alpha`; 0 where that is 0.
+[[nodiscard]] constexpr std::uint32_t StraightLevel(std::uint32_t level, std::uint32_t alpha) {
+    return alpha == 0 ? 0 : std::min<std::uint32_t>(255, (level * 255 + alpha / 2) / alpha);
+}
+
+/// The same of the three levels of 0xAARRGGBB.
+[[nodiscard]] constexpr std::uint32_t StraightColor(std::uint32_t color) {
+    const std::uint32_t alpha = color >> 24;
+    if (alpha == 255) return color;
+    const auto level = [&](int shift) { return StraightLevel(color >> shift & 255, alpha) << shift; };
+    return alpha << 24 | level(16) | level(8) | level(0);
+}
+
 /// `count` greys from black to white, evenly spaced; `count` is at least 2.
 [[nodiscard]] inline std::vector<Rgb> GrayRamp(int count) {
     std::vector<Rgb> ramp;

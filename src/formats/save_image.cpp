@@ -21,13 +21,29 @@ constexpr std::uint64_t Depths(std::initializer_list<int> bits) {
     return mask;
 }
 
+int SameBits(int bits, const PictureSaveOptions&) {
+    return bits;
+}
+int IndexedBits(int bits, const PictureSaveOptions&) {
+    return std::min(bits, 8);
+}
+int ColorBits(int, const PictureSaveOptions&) {
+    return 24;
+}
+int LayerBits(int, const PictureSaveOptions&) {
+    return 32;
+}
+int Jpeg2000Bits(int bits, const PictureSaveOptions& options) {
+    return bits == 8 && options.jp2Gray ? 8 : std::max(bits, 24);
+}
+
 constexpr PictureSaver kSavers[] = {
-    {kKindBmp, "BMP", "bmp", WriteBmp, Depths({1, 4, 8, 15, 16, 24, 32}), 4},
-    {kKindGif, "GIF", "gif", WriteGif, Depths({1, 4, 8, 24, 32}), 4},
-    {kKindJpeg, "JPEG", "jpg", WriteJpeg, Depths({1, 4, 8, 24}), 2, true},
-    {kKindJpeg2000, "JPEG 2000", "jp2", WriteJpeg2000, Depths({1, 4, 8, 24, 32}), 1},
-    {kKindPng, "PNG", "png", WritePng, Depths({1, 4, 8, 24, 32}), 1},
-    {kKindPsd, "PSD", "psd", WritePsd, Depths({1, 4, 8, 24, 32}), 2},
+    {kKindBmp, "BMP", "bmp", WriteBmp, Depths({1, 4, 8, 15, 16, 24, 32}), SameBits, 4},
+    {kKindGif, "GIF", "gif", WriteGif, Depths({1, 4, 8, 24, 32}), IndexedBits, 4},
+    {kKindJpeg, "JPEG", "jpg", WriteJpeg, Depths({1, 4, 8, 24}), ColorBits, 2, true},
+    {kKindJpeg2000, "JPEG 2000", "jp2", WriteJpeg2000, Depths({1, 4, 8, 24, 32}), Jpeg2000Bits, 1},
+    {kKindPng, "PNG", "png", WritePng, Depths({1, 4, 8, 24, 32}), SameBits, 1},
+    {kKindPsd, "PSD", "psd", WritePsd, Depths({1, 4, 8, 24, 32}), LayerBits, 2},
 };
 
 constexpr int kIgnored = 1;

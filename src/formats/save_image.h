@@ -18,6 +18,8 @@ struct PictureSaver {
     PictureWriter write;
     /// Depths that the writer takes, as bits of a mask: bit n stands for n bits a pixel.
     std::uint64_t depths;
+    /// The file's own depth for a block of `bits`.
+    int (*writtenBits)(int bits, const PictureSaveOptions& options);
     /// What a save returns when the file cannot be made or written.
     int cannotWrite;
     /// The person is asked before a save gives up for that reason: Retry tries again, Ignore makes it return 1.

@@ -76,16 +76,6 @@ Size Fitted(Size size, Size box) {
     return {side(size.width, box.width), side(size.height, box.height)};
 }
 
-// Colours come multiplied by alpha.
-std::uint32_t Straight(std::uint32_t pixel) {
-    const std::uint32_t alpha = pixel >> 24;
-    if (alpha == 0xFF || alpha == 0) return alpha == 0 ? 0 : pixel;
-    const auto level = [&](int shift) {
-        return std::min<std::uint32_t>(255, ((pixel >> shift & 0xFF) * 255 + alpha / 2) / alpha) << shift;
-    };
-    return alpha << 24 | level(16) | level(8) | level(0);
-}
-
 } // namespace
 
 bool IsSvg(ByteSpan file) {
@@ -118,7 +108,7 @@ DibBlock ReadSvg(ByteSpan file, const PictureRequest& request, PictureFacts& fac
     const auto* source = pixels.data();
     for (int y = 0; y < rows.Height(); ++y) {
         for (int x = 0; x < rows.Width(); ++x)
-            StoreU32LE(rows.PictureRow(y) + std::ptrdiff_t{4} * x, Straight(*source++));
+            StoreU32LE(rows.PictureRow(y) + std::ptrdiff_t{4} * x, StraightColor(*source++));
     }
     facts.width = own.width;
     facts.height = own.height;

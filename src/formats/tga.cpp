@@ -101,12 +101,8 @@ AlphaKind FindAlpha(const Header& header, ByteSpan file) {
 
 Argb ApplyAlphaKind(Argb color, AlphaKind kind) {
     if (kind == AlphaKind::None) return color | 0xFF000000u;
-    const Argb alpha = color >> 24;
-    if (kind == AlphaKind::Straight || alpha == 0 || alpha == 255) return color;
-    const auto straight = [&](int shift) {
-        return std::min<Argb>(255, ((color >> shift & 255) * 255 + alpha / 2) / alpha);
-    };
-    return alpha << 24 | straight(16) << 16 | straight(8) << 8 | straight(0);
+    // Colours that alpha 0 was not multiplied into stay as they are.
+    return kind == AlphaKind::Straight || color >> 24 == 0 ? color : StraightColor(color);
 }
 
 // The pixels of the file one row after the other.

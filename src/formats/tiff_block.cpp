@@ -1,3 +1,4 @@
+#include "formats/reader_support.h"
 #include "formats/tiff_page.h"
 #include "pixel/visit_depth.h"
 
@@ -28,10 +29,6 @@ int DepthOf(const TiffPage& page) {
     return page.bits == 1 ? 1 : page.bits <= 4 ? 4 : 8;
 }
 
-std::uint8_t Unmultiply(unsigned color, unsigned alpha) {
-    return alpha == 0 ? std::uint8_t{0} : static_cast<std::uint8_t>(std::min(255u, (color * 255 + alpha / 2) / alpha));
-}
-
 // Blue, green, red and alpha of one pixel.
 std::array<std::uint8_t, 4> ColorOf(const TiffPage& page, const std::uint8_t* s) {
     std::array<std::uint8_t, 4> color{};
@@ -47,7 +44,7 @@ std::array<std::uint8_t, 4> ColorOf(const TiffPage& page, const std::uint8_t* s)
     }
     color[3] = page.alpha >= 0 ? s[page.colors] : std::uint8_t{255};
     if (page.premultiplied) {
-        for (std::size_t c = 0; c < 3; ++c) color[c] = Unmultiply(color[c], color[3]);
+        for (std::size_t c = 0; c < 3; ++c) color[c] = static_cast<std::uint8_t>(StraightLevel(color[c], color[3]));
     }
     return color;
 }

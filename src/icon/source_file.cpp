@@ -11,8 +11,7 @@ SourceFile::SourceFile(std::string_view path) : m_file(FileView::Open(path)), m_
 }
 
 DibBlock SourceFile::Read(Size size) const {
-    // A program is no picture, whatever its bytes look like.
-    if (m_kind != kKindNone && !PictureFormatOfKind(m_kind)) return {};
+    if (!MayBePicture(m_kind)) return {};
     PictureRequest request;
     if (m_scalable) request.drawnFor = size;
     PictureFacts facts;

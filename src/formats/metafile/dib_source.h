@@ -11,6 +11,10 @@ namespace pelorin::metafile {
 /// else 255. Empty when something is missing. The table may be numbers in the palette, or missing, the pixels then
 /// being these numbers.
 enum class DibTable { Colors, Numbers, None };
+/// By the number that stands in the records.
+[[nodiscard]] constexpr DibTable TableOfUsage(std::uint32_t usage) {
+    return usage == 1 ? DibTable::Numbers : usage == 2 ? DibTable::None : DibTable::Colors;
+}
 [[nodiscard]] Surface DecodeDib(ByteSpan header, ByteSpan rows, DibTable table = DibTable::Colors,
                                 const Palette& palette = {});
 

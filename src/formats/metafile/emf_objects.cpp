@@ -130,12 +130,9 @@ std::span<const Row> ObjectRows() {
 }
 
 Surface DibPlaces::Decode(Emf& emf, std::uint32_t usage) const {
-    constexpr std::uint64_t kPixelsOfAStep = 2;
     if (headerSize == 0) return {};
-    const auto table = usage == 1 ? DibTable::Numbers : usage == 2 ? DibTable::None : DibTable::Colors;
-    return Charged(emf.painter.Target(),
-                   DecodeDib(emf.Part(header, headerSize), emf.Part(rows, rowsSize), table, emf.Now().palette),
-                   kPixelsOfAStep);
+    return Charged(emf.painter.Target(), DecodeDib(emf.Part(header, headerSize), emf.Part(rows, rowsSize),
+                                                   TableOfUsage(usage), emf.Now().palette));
 }
 
 } // namespace pelorin::metafile::emf

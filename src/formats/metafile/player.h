@@ -43,6 +43,6 @@ void SetShrinking(State& state, unsigned mode);
 /// `letterSize` bytes.
 [[nodiscard]] Font ReadFont(ByteReader& in, double height, double width, std::size_t wordSize, std::size_t letterSize);
 /// A bitmap of the file: what it takes to decode it is charged to the canvas, and it is empty when that is used up.
-[[nodiscard]] Surface Charged(Canvas& canvas, Surface picture, std::uint64_t pixelsOfAStep);
+[[nodiscard]] Surface Charged(Canvas& canvas, Surface picture, std::uint64_t pixelsOfAStep = 2);
 
 } // namespace pelorin::metafile

@@ -5,8 +5,6 @@ namespace pelorin::metafile::wmf {
 
 namespace {
 
-constexpr std::uint64_t kPixelsOfAStep = 2;
-
 // Source and destination of the blit records; the picture stands behind them.
 BlitArea ReadArea(ByteReader& in, bool stretched) {
     BlitArea area;
@@ -42,14 +40,13 @@ void BlitRecord(Wmf& wmf, ByteReader& in, bool stretched, bool device) {
     if (!in.Ok()) return;
     auto picture =
         device ? DecodeDeviceBitmap(in.Rest(), wmf.Now().textColor, wmf.Now().ground) : DecodeDib(in.Rest(), {});
-    picture = Charged(wmf.painter.Target(), std::move(picture), kPixelsOfAStep);
+    picture = Charged(wmf.painter.Target(), std::move(picture));
     wmf.painter.Blit(area, picture, rop);
 }
 
 // What the colour table is stands before the picture.
 Surface DecodeWith(Wmf& wmf, ByteReader& in, unsigned usage) {
-    const auto table = usage == 1 ? DibTable::Numbers : usage == 2 ? DibTable::None : DibTable::Colors;
-    return Charged(wmf.painter.Target(), DecodeDib(in.Rest(), {}, table, wmf.Now().palette), kPixelsOfAStep);
+    return Charged(wmf.painter.Target(), DecodeDib(in.Rest(), {}, TableOfUsage(usage), wmf.Now().palette));
 }
 
 void StretchDib(Wmf& wmf, ByteReader& in) {
